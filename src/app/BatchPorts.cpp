@@ -1,0 +1,58 @@
+#include "app/BatchPorts.h"
+
+#include "app/BatchRunner.h"
+#include "editor/MenuTable.h"
+
+namespace ed {
+
+QString ScriptedDialogs::inputBox(const QString& prompt, const QString& title,
+                                  const QString& defaultAnswer) {
+    report_(QStringLiteral("prompt: %1 | %2 | %3")
+                .arg(escapeReport(prompt), escapeReport(title), escapeReport(defaultAnswer)));
+    if (answers_.isEmpty())
+        return QString();
+    return answers_.takeFirst();
+}
+
+Answer ScriptedDialogs::messageBox(const QString& text, const QString& title, Buttons buttons,
+                                   Icon) {
+    report_(QStringLiteral("message: %1 | %2").arg(escapeReport(text), escapeReport(title)));
+    if (buttons == Buttons::Ok)
+        return Answer::Ok;
+    const Answer none = buttons == Buttons::YesNoCancel || buttons == Buttons::OkCancel
+                            ? Answer::Cancel
+                            : Answer::No;
+    if (answers_.isEmpty())
+        return none;
+    const QString a = answers_.takeFirst().trimmed().toLower();
+    if (a == u"yes" || a == u"y")
+        return Answer::Yes;
+    if (a == u"no" || a == u"n")
+        return Answer::No;
+    if (a == u"cancel" || a == u"c")
+        return Answer::Cancel;
+    if (a == u"ok")
+        return Answer::Ok;
+    if (error_.isEmpty())
+        error_ = QStringLiteral("answer \"%1\" to a question box is not yes, no or cancel").arg(a);
+    return none;
+}
+
+DeclaredMenuState::DeclaredMenuState() {
+    for (const MenuItemDecl& d : menuItems()) {
+        const QString name = QString::fromLatin1(d.name);
+        enabled_.insert(name, !(d.flags & kDisabled));
+        checked_.insert(name, false);
+    }
+}
+
+bool DeclaredMenuState::isEnabled(const QString& item) const { return enabled_.value(item, true); }
+void DeclaredMenuState::setEnabled(const QString& item, bool enabled) { enabled_[item] = enabled; }
+bool DeclaredMenuState::isChecked(const QString& item) const { return checked_.value(item, false); }
+void DeclaredMenuState::setChecked(const QString& item, bool checked) { checked_[item] = checked; }
+
+void QuietWindow::showStatus(const QString& text) {
+    report_(QStringLiteral("status: ") + escapeReport(text));
+}
+
+} // namespace ed

@@ -1,0 +1,70 @@
+#pragma once
+// Scripted ports of the batch runner: answers from the command line, events to a report.
+
+#include "app/Command.h"
+#include "app/Ports.h"
+
+#include <QHash>
+#include <QStringList>
+
+#include <functional>
+
+namespace ed {
+
+using ReportFn = std::function<void(const QString& line)>;
+
+class ScriptedDialogs : public Dialogs {
+public:
+    explicit ScriptedDialogs(ReportFn report) : report_(std::move(report)) {}
+    void setAnswers(QStringList answers) { answers_ = std::move(answers); }
+    QString inputBox(const QString& prompt, const QString& title,
+                     const QString& defaultAnswer) override;
+    Answer messageBox(const QString& text, const QString& title, Buttons buttons,
+                      Icon icon) override;
+    // Set when an answer to a question box was not yes, no or cancel.
+    QString error() const { return error_; }
+
+private:
+    ReportFn report_;
+    QStringList answers_;
+    QString error_;
+};
+
+class MemoryClipboard : public Clipboard {
+public:
+    QString text() const override { return text_; }
+    void clear() override { text_.clear(); }
+    void setText(const QString& text) override { text_ = text; }
+
+private:
+    QString text_;
+};
+
+// Menu states as declared in the menu table, changed by the commands.
+class DeclaredMenuState : public MenuState {
+public:
+    DeclaredMenuState();
+    bool isEnabled(const QString& item) const override;
+    void setEnabled(const QString& item, bool enabled) override;
+    bool isChecked(const QString& item) const override;
+    void setChecked(const QString& item, bool checked) override;
+
+private:
+    QHash<QString, bool> enabled_;
+    QHash<QString, bool> checked_;
+};
+
+class QuietWindow : public FormWindow {
+public:
+    explicit QuietWindow(ReportFn report) : report_(std::move(report)) {}
+    void setCaption(const QString& caption) override { caption_ = caption; }
+    QString caption() const override { return caption_; }
+    void showStatus(const QString& text) override;
+    void close() override {}
+
+private:
+    ReportFn report_;
+    QString caption_;
+};
+
+} // namespace ed

@@ -1,0 +1,137 @@
+#pragma once
+// The small interfaces every command is written against. The window supplies Qt adapters,
+// the batch runner and the tests supply scripted ones, so each handler runs without a display.
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+
+namespace ed {
+
+// The document as the edit control holds it. Line breaks are always CR LF in this model and every
+// position counts a CR LF as two characters. Setting the whole text puts the caret at 0.
+class EditControl {
+public:
+    virtual ~EditControl() = default;
+    virtual QString text() const = 0;
+    virtual void setText(const QString& text) = 0;
+    virtual int textLength() const { return int(text().size()); }
+    // Caret position (selection start), 0-based. Setting it collapses the selection.
+    virtual int selStart() const = 0;
+    virtual void setSelStart(int start) = 0;
+    virtual int selLength() const = 0;
+    // Extends the selection from the current start; clipped at the end of the text.
+    virtual void setSelLength(int length) = 0;
+    virtual QString selText() const = 0;
+};
+
+struct FontSpec {
+    QString name = QStringLiteral("Arial");
+    double size = 9;
+    bool bold = false;
+    bool italic = false;
+};
+
+// Font and layout of the edit control, used only by the view commands.
+class EditView {
+public:
+    virtual ~EditView() = default;
+    virtual void setSelectionFont(const FontSpec& font) = 0;
+    virtual FontSpec selectionFont() const = 0;
+    // 0 wraps at the window edge, anything else (in twips) turns wrapping off.
+    virtual void setRightMargin(int twips) = 0;
+};
+
+enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class Icon { None, Critical, Question, Exclamation, Information };
+enum class Answer { Ok, Cancel, Yes, No };
+
+// The title the platform gives a prompt or message box that names none of its own.
+inline QString defaultTitle() { return QStringLiteral("Editor"); }
+
+class Dialogs {
+public:
+    virtual ~Dialogs() = default;
+    // Returns "" when cancelled.
+    virtual QString inputBox(const QString& prompt, const QString& title,
+                             const QString& defaultAnswer) = 0;
+    virtual Answer messageBox(const QString& text, const QString& title, Buttons buttons,
+                              Icon icon) = 0;
+};
+
+// Open, save and font dialogs of the window. The batch runner has none of them.
+struct FileDialogRequest {
+    QString title;
+    QString filter;         // "All files *.*|*.*|Text files *.txt|*.txt|..."
+    int filterIndex = 0;    // 1-based as in the filter; 0 = first
+    QString initialDir;
+    QString fileName;       // proposed name
+    QString defaultExtension;
+};
+struct FileDialogResult {
+    QString fileName;       // empty when cancelled
+    int filterIndex = 1;    // 1-based filter chosen
+};
+class FileDialogs {
+public:
+    virtual ~FileDialogs() = default;
+    virtual FileDialogResult showOpen(const FileDialogRequest& request) = 0;
+    virtual FileDialogResult showSave(const FileDialogRequest& request) = 0;
+    virtual FontSpec showFont(const FontSpec& current) = 0;
+};
+
+class Clipboard {
+public:
+    virtual ~Clipboard() = default;
+    virtual QString text() const = 0;
+    virtual void clear() = 0;
+    virtual void setText(const QString& text) = 0;
+};
+
+// Per-user settings store addressed by application name, section and key.
+class Settings {
+public:
+    virtual ~Settings() = default;
+    virtual QString read(const QString& app, const QString& section, const QString& key,
+                         const QString& defaultValue) = 0;
+    virtual void write(const QString& app, const QString& section, const QString& key,
+                       const QString& value) = 0;
+};
+
+// Every procedure's error trap ends here.
+class Logger {
+public:
+    virtual ~Logger() = default;
+    // `detail` never reaches the log record; it is shown where a person is watching (batch runs).
+    virtual void logError(const QString& module, const QString& location,
+                          const QString& detail = QString()) = 0;
+};
+
+class Clock {
+public:
+    virtual ~Clock() = default;
+    virtual QDateTime now() const = 0;
+};
+
+// Starting processes and handing things to the desktop. Never goes through a shell.
+class Launcher {
+public:
+    virtual ~Launcher() = default;
+    virtual bool startDetached(const QString& program, const QStringList& arguments) = 0;
+    // Desktop "Open": a file, a folder, a mailto: or web address, with its default handler.
+    virtual bool open(const QString& target) = 0;
+    // Desktop "Explore": a file manager on a folder.
+    virtual bool explore(const QString& folder) = 0;
+};
+
+// Enabled/checked/visible state of menu items, addressed by the item's name ("mnuFindNext").
+class MenuState {
+public:
+    virtual ~MenuState() = default;
+    virtual bool isEnabled(const QString& item) const = 0;
+    virtual void setEnabled(const QString& item, bool enabled) = 0;
+    virtual bool isChecked(const QString& item) const = 0;
+    virtual void setChecked(const QString& item, bool checked) = 0;
+};
+
+} // namespace ed

@@ -1,0 +1,93 @@
+#include "app/SettingsStore.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace ed {
+
+SettingsStore::SettingsStore(Logger* log, QString root) : log_(log), root_(std::move(root)) {}
+SettingsStore::~SettingsStore() = default;
+
+QString SettingsStore::configRoot() {
+    const QByteArray xdg = qgetenv("XDG_CONFIG_HOME");
+    if (!xdg.isEmpty() && QDir::isAbsolutePath(QString::fromLocal8Bit(xdg)))
+        return QString::fromLocal8Bit(xdg);
+    return QDir::homePath() + QStringLiteral("/.config");
+}
+
+QString SettingsStore::filePath(const QString& app) const {
+    const QString root = root_.isEmpty() ? configRoot() : root_;
+    QString rel = app;
+    rel.replace(u'\\', u'/');
+    return QDir::cleanPath(root + u'/' + rel) + QStringLiteral(".ini");
+}
+
+void SettingsStore::report(const QString& label, const QString& detail) {
+    // One report per file and kind of failure, not one per read.
+    if (reported_[label])
+        return;
+    reported_[label] = true;
+    if (log_)
+        log_->logError(QStringLiteral("mStartUp"), label, detail);
+}
+
+QSettings& SettingsStore::open(const QString& app) {
+    auto it = files_.find(app);
+    if (it != files_.end())
+        return *it->second;
+    const QString path = filePath(app);
+    QDir().mkpath(QFileInfo(path).path());
+    auto s = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    if (s->status() == QSettings::FormatError)
+        report(QStringLiteral("Function GetSetting"),
+               QStringLiteral("The settings file %1 is corrupt; defaults are used").arg(path));
+    auto& ref = *s;
+    files_.emplace(app, std::move(s));
+    return ref;
+}
+
+QString SettingsStore::read(const QString& app, const QString& section, const QString& key,
+                            const QString& defaultValue) {
+    QSettings& s = open(app);
+    if (s.status() == QSettings::FormatError)
+        return defaultValue;
+    s.sync(); // pick up what another copy of the program wrote meanwhile
+    const QVariant v = s.value(section + u'/' + key);
+    if (!v.isValid())
+        return defaultValue;
+    if (v.typeId() == QMetaType::QStringList)
+        return v.toStringList().join(u',');
+    return v.toString();
+}
+
+void SettingsStore::write(const QString& app, const QString& section, const QString& key,
+                          const QString& value) {
+    QSettings& s = open(app);
+    if (s.status() == QSettings::FormatError)
+        return; // never overwrite a file we could not read
+    s.setValue(section + u'/' + key, value);
+    s.sync();
+    if (s.status() == QSettings::AccessError)
+        report(QStringLiteral("Sub SaveSetting"),
+               QStringLiteral("Cannot write the settings file %1").arg(s.fileName()));
+}
+
+bool settingToBool(const QString& value, bool* ok) {
+    const QString v = value.trimmed();
+    if (ok)
+        *ok = true;
+    if (v.compare(u"True", Qt::CaseInsensitive) == 0)
+        return true;
+    if (v.compare(u"False", Qt::CaseInsensitive) == 0)
+        return false;
+    bool isNum = false;
+    const double d = v.toDouble(&isNum);
+    if (isNum)
+        return d != 0;
+    if (ok)
+        *ok = false;
+    return false;
+}
+
+} // namespace ed

@@ -1,0 +1,67 @@
+#pragma once
+// frmEdit: the main window. It assembles the real adapters, builds the menu bar from the menu
+// table and routes each menu item to its handler; the commands themselves live elsewhere.
+
+#include "app/Command.h"
+#include "app/ErrorLogger.h"
+#include "app/SettingsStore.h"
+#include "app/SystemPorts.h"
+#include "editor/QtPorts.h"
+#include "util/Utility.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class QPlainTextEdit;
+
+namespace ed {
+
+class PlainTextEditControl;
+
+class EditorWindow : public QMainWindow, public FormWindow {
+    Q_OBJECT
+public:
+    explicit EditorWindow(StartUpState& startUp, QWidget* parent = nullptr);
+    ~EditorWindow() override;
+
+    // The window's load procedure: settings, document, font, placement, show, keep on top,
+    // command-line search.
+    void load();
+
+    // FormWindow
+    void setCaption(const QString& caption) override;
+    QString caption() const override;
+    void showStatus(const QString& text) override;
+    void close() override;
+
+    CommandContext& context() { return *ctx_; }
+    PlainTextEditControl& editControl() { return *edit_; }
+    QPlainTextEdit* textWidget() const { return text_; }
+    ActionMenuState& menuState() { return menu_; }
+    // Runs a menu item by name as if it had been clicked.
+    void trigger(const QString& item);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void buildMenus();
+
+    StartUpState& startUp_;
+    QPlainTextEdit* text_ = nullptr;
+    PlainTextEditControl* edit_ = nullptr;
+    QtDialogs dialogs_;
+    QtClipboard clipboard_;
+    ActionMenuState menu_;
+    SystemClock clock_;
+    ProcessLauncher launcher_;
+    ErrorLogger logger_;
+    SettingsStore store_;
+    Utility util_;
+    FormState form_;
+    std::unique_ptr<CommandContext> ctx_;
+};
+
+} // namespace ed

@@ -1,0 +1,222 @@
+#include "editor/MenuTable.h"
+
+#include "app/Trap.h"
+#include "textcmds/PrefixSuffix.h"
+
+#include <QHash>
+
+namespace ed {
+
+namespace {
+
+constexpr unsigned M = kMenu;
+constexpr unsigned S = kSeparator;
+constexpr unsigned W = kWindowOnly;
+
+// Bar order, then each menu's items in order.
+const std::vector<MenuItemDecl> kItems = {
+    // File
+    {"mnuFile", "File", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuNew", "New", "mnuFile", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuOpen", "Open", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"mnuSave", "Save", "mnuFile", "Ctrl+S", kNone, nullptr, nullptr, nullptr},
+    {"mnuSaveAs", "Save As", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"mnuSaveAsRTF", "Save RTF", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"mnuOpenSelect", "Open (Select Dir)", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"sep4", "-", "mnuFile", "", S, nullptr, nullptr, nullptr},
+    {"mnuDelete", "Delete", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"mnuSeperator0", "-", "mnuFile", "", S, nullptr, nullptr, nullptr},
+    {"mnuLnk", "", "mnuFile", "", kLinkList | W, nullptr, nullptr, nullptr},
+    {"mnuSeperator1", "-", "mnuFile", "", S, nullptr, nullptr, nullptr},
+    {"mnuExit", "Close", "mnuFile", "Ctrl+X", W, nullptr, nullptr, nullptr},
+    // Edit
+    {"mnuEdit", "Edit", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuCut", "Cut", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuCopy", "Copy", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuPaste", "Paste", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuSelectAll", "Select All", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuSep1", "-", "mnuEdit", "", S, nullptr, nullptr, nullptr},
+    {"mnuChangeFont", "Change Font", "mnuEdit", "", W, nullptr, nullptr, nullptr},
+    {"sep2", "-", "mnuEdit", "", S, nullptr, nullptr, nullptr},
+    {"mnuNoWrap", "No Word Wrap", "mnuEdit", "", kCheckable | W, nullptr, nullptr, nullptr},
+    // Search
+    {"mnuSearchMain", "Search", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuSearch", "Find...", "mnuSearchMain", "Ctrl+F", kNone, nullptr, nullptr, nullptr},
+    {"mnuFindNext", "Find Next", "mnuSearchMain", "F3", kDisabled, nullptr, nullptr, nullptr},
+    {"mnuReplace", "Replace...", "mnuSearchMain", "Ctrl+H", kNone, nullptr, nullptr, nullptr},
+    // View
+    {"mnuView", "View", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"sep12", "-", "mnuView", "", S, nullptr, nullptr, nullptr},
+    {"mnuKeepOnTop", "Keep On Top", "mnuView", "", kCheckable | W, nullptr, nullptr, nullptr},
+    // Web
+    {"mnuWeb", "Web", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, nullptr, nullptr, nullptr},
+    {"mnusep27", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
+    {"mnuPause", "Pause List Nav", "mnuWeb", "F1", kDisabled | kCheckable | W, nullptr, nullptr,
+     nullptr},
+    {"mnuNextItem", "Next Item", "mnuWeb", "F2", kDisabled | W, nullptr, nullptr, nullptr},
+    {"mnuChangeTiming", "Change timing", "mnuWeb", "", kDisabled | W, nullptr, nullptr, nullptr},
+    {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnusep24", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
+    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnusep8", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
+    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnusep23", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
+    {"mnuLoad", "Load From IE", "mnuWeb", "", M, nullptr, nullptr, nullptr},
+    {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, nullptr, "Sub mnuGetBrowserText_Click",
+     nullptr},
+    {"mnuGetBrowserHtml", "Html", "mnuLoad", "", kNone, nullptr, "Sub mnuGetBrowserHtml_Click",
+     nullptr},
+    {"mnuGetBrowserLinks", "Links", "mnuLoad", "", kNone, nullptr, "Sub mnuGetBrowserLinks_Click",
+     nullptr},
+    {"mnuGetBrowserEmail", "Email", "mnuLoad", "", W, nullptr, nullptr, nullptr},
+    {"mnuGetFaxNumbers", "Fax #s", "mnuLoad", "", W, nullptr, nullptr, nullptr},
+    {"mnuGetPhoneNumbers", "Phone #s", "mnuLoad", "", W, nullptr, nullptr, nullptr},
+    {"mnuAnyTagContent", "Any Tag Content", "mnuLoad", "", W, nullptr, nullptr, nullptr},
+    {"mnuGetBrowserLinksConditional", "Links Conditionally", "mnuLoad", "", kNone, nullptr, nullptr,
+     nullptr},
+    // Tools
+    {"mnuTools", "Tools", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuSetDefaultDir", "Set (Select Dir)", "mnuTools", "", W, nullptr, nullptr, nullptr},
+    {"mnuExplorer", "Open Explorer", "mnuTools", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuWebsites", "Open In Notepad", "mnuTools", "", W, nullptr, nullptr, nullptr},
+    {"mnuLoadinwebbrowser", "Open In Default Editor", "mnuTools", "", kNone, nullptr, nullptr,
+     nullptr},
+    {"sep7", "-", "mnuTools", "", S, nullptr, nullptr, nullptr},
+    {"mnuGet", "Get", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuShowLineCount", "Line Count", "mnuGet", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuGetCharCount", "Char Count", "mnuGet", "", kNone, nullptr, "mnuShowLineCount_Click",
+     nullptr},
+    {"mnuAdd", "Add", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuAddPrefix", "Prefix", "mnuAdd", "", kNone, mnuAddPrefix_Click, nullptr, nullptr},
+    {"mnuAddSuffix", "Suffix", "mnuAdd", "", kNone, mnuAddSuffix_Click, nullptr, nullptr},
+    {"mnuInsert", "Insert", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuInsertTime", "Time", "mnuInsert", "", kNone, nullptr, "mnuInsertDateTime_Click", nullptr},
+    {"mnuInsertDate", "Date", "mnuInsert", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuInsertCRAt", "CR At", "mnuInsert", "", kNone, nullptr, "Sub mnuInsertCRAt_Click", nullptr},
+    {"mnuInsertTextAt", "Text At", "mnuInsert", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuInsertBlankLines", "Blank Lines", "mnuInsert", "F4", kNone, nullptr,
+     "Sub mnuInsertBlankLines_Click", nullptr},
+    {"mnuInsertTextFromFile", "Text From File", "mnuInsert", "", W, nullptr, nullptr, nullptr},
+    {"mnuInsertDateTime", "Date and Time", "mnuInsert", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuLoadClipBoardText", "ClipBoard Text", "mnuInsert", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuConvert", "Convert", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuAsciiToHex", "Ascii To Hex", "mnuConvert", "", W, nullptr, nullptr, nullptr},
+    {"mnuHexToAscii", "Hex To Ascii", "mnuConvert", "", W, nullptr, nullptr, nullptr},
+    {"mnuShowASCII", "Char To ASCII", "mnuConvert", "", W, nullptr, nullptr, nullptr},
+    {"mnuRemove", "Remove", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuRemoveCRLF", "CRLF", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuRemoveRepeats", "Repeats", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuRemoveLeftSide", "Left Side", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuRemoveRightSide", "Right Side", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuRemoveFormatting", "Formatting", "mnuRemove", "", W, nullptr, nullptr, nullptr},
+    {"mnuByNumericValue", "By Numeric Value", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuRemoveLinesContainingText", "Lines Containing Text", "mnuRemove", "", kNone, nullptr,
+     nullptr, nullptr},
+    {"mnuRemoveLinesNotContainingText", "Lines Not Containing Text", "mnuRemove", "", kNone,
+     nullptr, nullptr, nullptr},
+    {"mnuReOrder", "ReOrder", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuGetHtmlTags", "Get Html Tags", "mnuReOrder", "", W, nullptr, nullptr, nullptr},
+    {"mnuIndentParagraphs", "Indent Paragraphs", "mnuReOrder", "", kHidden | W, nullptr, nullptr,
+     nullptr},
+    {"mnuSwitchRearToFront", "Switch Rear To Front", "mnuReOrder", "", W, nullptr, nullptr,
+     nullptr},
+    {"mnuCreateCodeArrayOfWordList", "Code Array Of Word List", "mnuReOrder", "", kNone, nullptr,
+     nullptr, nullptr},
+    {"mnuReNumberArrayElements", "Renumber Array elements", "mnuReOrder", "", W, nullptr, nullptr,
+     nullptr},
+    {"mnuTurnToStream", "Delimited To Text Stream", "mnuReOrder", "", W, nullptr, nullptr, nullptr},
+    {"mnuDelimitRunningText", "Text Stream To Delimited", "mnuReOrder", "", W, nullptr, nullptr,
+     nullptr},
+    {"mnuCapitalization", "Capitalization", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuFloatFont", "Float Font", "mnuCapitalization", "", W, nullptr, nullptr, nullptr},
+    {"mnuConvertToUpperCase", "To Upper Case", "mnuCapitalization", "", kNone, nullptr, nullptr,
+     nullptr},
+    {"mnuConvertToLowerCase", "To Lower Case", "mnuCapitalization", "", kNone, nullptr, nullptr,
+     nullptr},
+    {"mnuConvertToProperCase", "To Proper Case", "mnuCapitalization", "", kNone, nullptr, nullptr,
+     nullptr},
+    {"mnuConvertToCrippledText", "To Crippled Text", "mnuCapitalization", "", kNone, nullptr,
+     nullptr, nullptr},
+    {"mnuCapitalizeEachWord", "Capitalize Words", "mnuCapitalization", "", kNone, nullptr, nullptr,
+     nullptr},
+    {"mnuSpaces", "Spaces", "mnuTools", "", M, nullptr, nullptr, nullptr},
+    {"mnuRemoveAllSpaces", "Remove all spaces", "mnuSpaces", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuTrimSpaces", "Remove all blank lines", "mnuSpaces", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuCnvDblSpcToSingle", "Double spaces to single", "mnuSpaces", "", kNone, nullptr, nullptr,
+     nullptr},
+    {"mnuTrimLeadingAndTrailingSpaces", "Trim leading and trailing spaces", "mnuSpaces", "", kNone,
+     nullptr, nullptr, nullptr},
+    {"mnuReplaceDoubleBlankLineWithSingle", "Replace multiple blank lines with single",
+     "mnuSpaces", "", kNone, nullptr, nullptr, nullptr},
+    // Window (never shown)
+    {"mnuWindow", "Window", nullptr, "", M | kHidden, nullptr, nullptr, nullptr},
+    {"mnuTileVerticle", "Tile Verticle", "mnuWindow", "", W, nullptr, nullptr, nullptr},
+    {"mnuTileHorizontal", "Tile Horizontal", "mnuWindow", "", W, nullptr, nullptr, nullptr},
+    {"mnuCascade", "Casade", "mnuWindow", "", W, nullptr, nullptr, nullptr},
+    // Help
+    {"mnuHelp", "Help", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuAbout", "About", "mnuHelp", "", W, nullptr, nullptr, nullptr},
+};
+
+const QHash<QString, const MenuItemDecl*>& index() {
+    static const QHash<QString, const MenuItemDecl*> idx = [] {
+        QHash<QString, const MenuItemDecl*> h;
+        for (const MenuItemDecl& d : kItems)
+            h.insert(QString::fromLatin1(d.name), &d);
+        return h;
+    }();
+    return idx;
+}
+
+} // namespace
+
+const std::vector<MenuItemDecl>& menuItems() { return kItems; }
+
+const MenuItemDecl* findMenuItem(const QString& name) { return index().value(name, nullptr); }
+
+QString batchName(const MenuItemDecl& item) {
+    QString n = QString::fromLatin1(item.name);
+    if (n.startsWith(QLatin1String("mnu")))
+        n.remove(0, 3);
+    return n;
+}
+
+const MenuItemDecl* findByBatchName(const QString& name) {
+    const MenuItemDecl* d = findMenuItem(QStringLiteral("mnu") + name);
+    return d && isCommand(*d) ? d : nullptr;
+}
+
+QString trapLabel(const MenuItemDecl& item) {
+    return item.label ? QString::fromLatin1(item.label)
+                      : QString::fromLatin1(item.name) + QStringLiteral("_Click");
+}
+
+QString trapModule(const MenuItemDecl& item) {
+    return QString::fromLatin1(item.module ? item.module : "frmEdit");
+}
+
+bool isCommand(const MenuItemDecl& item) {
+    return !(item.flags & (kMenu | kSeparator | kLinkList));
+}
+
+bool availableInBatch(const MenuItemDecl& item) {
+    return isCommand(item) && item.handler && !(item.flags & kWindowOnly);
+}
+
+bool runMenuItem(const MenuItemDecl& item, CommandContext& ctx) {
+    if (!item.handler)
+        return true;
+    try {
+        item.handler(ctx);
+        return true;
+    } catch (const std::exception& e) {
+        ctx.log.logError(trapModule(item), trapLabel(item), describe(e));
+        return false;
+    }
+}
+
+} // namespace ed

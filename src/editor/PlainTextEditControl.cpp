@@ -1,0 +1,169 @@
+#include "editor/PlainTextEditControl.h"
+
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+namespace ed {
+
+// The widget would take a lone CR for a line break; it holds this stand-in instead, shown as a
+// visible CR symbol, so that a CR that is not part of a line break survives a round trip.
+constexpr char16_t kLoneCr = 0x240D;
+
+QString modelToWidgetText(const QString& model) {
+    QString out(model.size(), Qt::Uninitialized);
+    char16_t* d = reinterpret_cast<char16_t*>(out.data());
+    const char16_t* s = reinterpret_cast<const char16_t*>(model.constData());
+    const char16_t* end = s + model.size();
+    while (s < end) {
+        if (*s == u'\r') {
+            if (s + 1 < end && s[1] == u'\n') {
+                *d++ = u'\n';
+                s += 2;
+            } else {
+                *d++ = kLoneCr;
+                ++s;
+            }
+        } else {
+            *d++ = *s++;
+        }
+    }
+    out.truncate(d - reinterpret_cast<char16_t*>(out.data()));
+    return out;
+}
+
+QString widgetToModelText(const QString& raw) {
+    qsizetype breaks = 0;
+    for (QChar c : raw)
+        if (c == QChar::ParagraphSeparator || c == u'\n')
+            ++breaks;
+    QString out(raw.size() + breaks, Qt::Uninitialized);
+    char16_t* d = reinterpret_cast<char16_t*>(out.data());
+    for (QChar c : raw) {
+        if (c == QChar::ParagraphSeparator || c == u'\n') {
+            *d++ = u'\r';
+            *d++ = u'\n';
+        } else {
+            *d++ = c.unicode() == kLoneCr ? u'\r' : c.unicode();
+        }
+    }
+    return out;
+}
+
+PlainTextEditControl::PlainTextEditControl(QPlainTextEdit* widget)
+    : QObject(widget), widget_(widget) {
+    connect(widget_->document(), &QTextDocument::contentsChanged, this,
+            [this] { cacheValid_ = false; });
+}
+
+QString PlainTextEditControl::text() const {
+    if (!cacheValid_) {
+        cache_ = widgetToModelText(widget_->document()->toRawText());
+        cacheValid_ = true;
+    }
+    return cache_;
+}
+
+void PlainTextEditControl::setText(const QString& text) {
+    // A whole-text assignment replaces the content in one undoable step and drops formatting.
+    QTextCursor c(widget_->document());
+    c.beginEditBlock();
+    c.select(QTextCursor::Document);
+    c.setCharFormat(QTextCharFormat());
+    c.removeSelectedText();
+    c.insertText(modelToWidgetText(text));
+    c.endEditBlock();
+    cache_ = text;
+    cacheValid_ = true;
+    QTextCursor caret(widget_->document());
+    widget_->setTextCursor(caret);
+}
+
+int PlainTextEditControl::textLength() const { return int(text().size()); }
+
+int PlainTextEditControl::toModel(int w) const {
+    const QTextBlock b = widget_->document()->findBlock(w);
+    return w + (b.isValid() ? b.blockNumber() : widget_->document()->blockCount() - 1);
+}
+
+int PlainTextEditControl::toWidget(int m) const {
+    QTextDocument* doc = widget_->document();
+    if (m <= 0)
+        return 0;
+    // The last block whose model start is at or before m.
+    int lo = 0, hi = doc->blockCount() - 1;
+    while (lo < hi) {
+        const int mid = (lo + hi + 1) / 2;
+        const QTextBlock b = doc->findBlockByNumber(mid);
+        if (b.position() + mid <= m)
+            lo = mid;
+        else
+            hi = mid - 1;
+    }
+    const QTextBlock b = doc->findBlockByNumber(lo);
+    const int inBlock = m - (b.position() + lo);
+    return b.position() + qMin(inBlock, b.length() - 1 + (b.next().isValid() ? 1 : 0));
+}
+
+int PlainTextEditControl::selStart() const {
+    return toModel(widget_->textCursor().selectionStart());
+}
+
+void PlainTextEditControl::setSelStart(int start) {
+    QTextCursor c = widget_->textCursor();
+    const int len = textLength();
+    c.setPosition(toWidget(qBound(0, start, len)));
+    widget_->setTextCursor(c);
+}
+
+int PlainTextEditControl::selLength() const {
+    const QTextCursor c = widget_->textCursor();
+    return toModel(c.selectionEnd()) - toModel(c.selectionStart());
+}
+
+void PlainTextEditControl::setSelLength(int length) {
+    QTextCursor c = widget_->textCursor();
+    const int start = toModel(c.selectionStart());
+    const int end = qBound(start, start + qMax(0, length), textLength());
+    c.setPosition(c.selectionStart());
+    c.setPosition(toWidget(end), QTextCursor::KeepAnchor);
+    widget_->setTextCursor(c);
+}
+
+QString PlainTextEditControl::selText() const {
+    const int s = selStart();
+    return text().mid(s, selLength());
+}
+
+void PlainTextEditControl::setSelectionFont(const FontSpec& font) {
+    QTextCursor c = widget_->textCursor();
+    QTextCharFormat f;
+    f.setFontFamilies({font.name});
+    if (font.size > 0)
+        f.setFontPointSize(font.size);
+    f.setFontWeight(font.bold ? QFont::Bold : QFont::Normal);
+    f.setFontItalic(font.italic);
+    if (c.hasSelection()) {
+        c.mergeCharFormat(f);
+    } else {
+        widget_->mergeCurrentCharFormat(f);
+    }
+}
+
+FontSpec PlainTextEditControl::selectionFont() const {
+    const QTextCharFormat f = widget_->textCursor().charFormat();
+    FontSpec s;
+    const QStringList fam = f.fontFamilies().toStringList();
+    s.name = fam.isEmpty() ? widget_->font().family() : fam.first();
+    s.size = f.fontPointSize() > 0 ? f.fontPointSize() : widget_->font().pointSizeF();
+    s.bold = f.fontWeight() >= QFont::Bold;
+    s.italic = f.fontItalic();
+    return s;
+}
+
+void PlainTextEditControl::setRightMargin(int twips) {
+    widget_->setLineWrapMode(twips == 0 ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
+}
+
+} // namespace ed

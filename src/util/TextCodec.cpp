@@ -1,0 +1,208 @@
+#include "util/TextCodec.h"
+
+#include <QStringDecoder>
+
+#include <cstring>
+
+namespace ed {
+
+TextFormat defaultTextFormat() {
+#ifdef Q_OS_WIN
+    return {Encoding::Utf8, LineBreak::CrLf};
+#else
+    return {Encoding::Utf8, LineBreak::Lf};
+#endif
+}
+
+namespace {
+
+bool isValidUtf8(const char* p, qsizetype n) {
+    const auto* s = reinterpret_cast<const unsigned char*>(p);
+    qsizetype i = 0;
+    while (i < n) {
+        // Skip ASCII eight bytes at a time.
+        while (i + 8 <= n) {
+            quint64 w;
+            std::memcpy(&w, s + i, 8);
+            if (w & 0x8080808080808080ULL)
+                break;
+            i += 8;
+        }
+        if (i >= n)
+            break;
+        unsigned char c = s[i];
+        if (c < 0x80) {
+            ++i;
+            continue;
+        }
+        int len;
+        quint32 cp;
+        if (c >= 0xC2 && c <= 0xDF) {
+            len = 2;
+            cp = c & 0x1F;
+        } else if (c >= 0xE0 && c <= 0xEF) {
+            len = 3;
+            cp = c & 0x0F;
+        } else if (c >= 0xF0 && c <= 0xF4) {
+            len = 4;
+            cp = c & 0x07;
+        } else {
+            return false;
+        }
+        if (i + len > n)
+            return false;
+        for (int k = 1; k < len; ++k) {
+            unsigned char cc = s[i + k];
+            if ((cc & 0xC0) != 0x80)
+                return false;
+            cp = (cp << 6) | (cc & 0x3F);
+        }
+        if ((len == 3 && (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF))) ||
+            (len == 4 && (cp < 0x10000 || cp > 0x10FFFF)))
+            return false;
+        i += len;
+    }
+    return true;
+}
+
+LineBreak detectLineBreak(const QString& text) {
+    const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
+    const qsizetype n = text.size();
+    bool crlf = false, cr = false;
+    for (qsizetype i = 0; i < n; ++i) {
+        if (p[i] == u'\n') {
+            if (i == 0 || p[i - 1] != u'\r')
+                return LineBreak::Lf; // any lone LF: keep every byte by converting LF alone
+            crlf = true;
+        } else if (p[i] == u'\r') {
+            cr = true;
+        }
+    }
+    if (crlf)
+        return LineBreak::CrLf;
+    if (cr)
+        return LineBreak::Cr;
+    return defaultTextFormat().lineBreak;
+}
+
+} // namespace
+
+QString toModelBreaks(const QString& text, LineBreak style) {
+    if (style == LineBreak::CrLf)
+        return text;
+    const char16_t from = style == LineBreak::Lf ? u'\n' : u'\r';
+    const qsizetype extra = text.count(QChar(from));
+    if (extra == 0)
+        return text;
+    QString out(text.size() + extra, Qt::Uninitialized);
+    char16_t* d = reinterpret_cast<char16_t*>(out.data());
+    const char16_t* s = reinterpret_cast<const char16_t*>(text.constData());
+    const char16_t* end = s + text.size();
+    for (; s < end; ++s) {
+        if (*s == from) {
+            *d++ = u'\r';
+            *d++ = u'\n';
+        } else {
+            *d++ = *s;
+        }
+    }
+    return out;
+}
+
+QString fromModelBreaks(const QString& model, LineBreak style) {
+    if (style == LineBreak::CrLf)
+        return model;
+    const char16_t to = style == LineBreak::Lf ? u'\n' : u'\r';
+    QString out(model.size(), Qt::Uninitialized);
+    char16_t* d = reinterpret_cast<char16_t*>(out.data());
+    const char16_t* s = reinterpret_cast<const char16_t*>(model.constData());
+    const char16_t* end = s + model.size();
+    while (s < end) {
+        if (*s == u'\r' && s + 1 < end && s[1] == u'\n') {
+            *d++ = to;
+            s += 2;
+        } else {
+            *d++ = *s++;
+        }
+    }
+    out.truncate(d - reinterpret_cast<char16_t*>(out.data()));
+    return out;
+}
+
+QString decodeText(const QByteArray& bytes, TextFormat* format) {
+    TextFormat f;
+    QString text;
+    const char* p = bytes.constData();
+    const qsizetype n = bytes.size();
+    if (n >= 3 && uchar(p[0]) == 0xEF && uchar(p[1]) == 0xBB && uchar(p[2]) == 0xBF &&
+        isValidUtf8(p + 3, n - 3)) {
+        f.encoding = Encoding::Utf8Bom;
+        text = QString::fromUtf8(p + 3, n - 3);
+    } else if (n >= 2 && n % 2 == 0 && uchar(p[0]) == 0xFF && uchar(p[1]) == 0xFE) {
+        f.encoding = Encoding::Utf16LE;
+        QStringDecoder dec(QStringDecoder::Utf16LE, QStringDecoder::Flag::Stateless);
+        text = dec(QByteArrayView(p + 2, n - 2));
+    } else if (n >= 2 && n % 2 == 0 && uchar(p[0]) == 0xFE && uchar(p[1]) == 0xFF) {
+        f.encoding = Encoding::Utf16BE;
+        QStringDecoder dec(QStringDecoder::Utf16BE, QStringDecoder::Flag::Stateless);
+        text = dec(QByteArrayView(p + 2, n - 2));
+    } else if (isValidUtf8(p, n)) {
+        f.encoding = Encoding::Utf8;
+        text = QString::fromUtf8(p, n);
+    } else {
+        f.encoding = Encoding::Latin1;
+        text = QString::fromLatin1(p, n);
+    }
+    f.lineBreak = detectLineBreak(text);
+    if (format)
+        *format = f;
+    return toModelBreaks(text, f.lineBreak);
+}
+
+QByteArray encodeText(const QString& model, const TextFormat& format) {
+    const QString text = fromModelBreaks(model, format.lineBreak);
+    switch (format.encoding) {
+    case Encoding::Utf8:
+        return text.toUtf8();
+    case Encoding::Utf8Bom:
+        return QByteArray("\xEF\xBB\xBF") + text.toUtf8();
+    case Encoding::Utf16LE: {
+        QStringEncoder enc(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
+        return enc(text);
+    }
+    case Encoding::Utf16BE: {
+        QStringEncoder enc(QStringEncoder::Utf16BE, QStringEncoder::Flag::WriteBom);
+        return enc(text);
+    }
+    case Encoding::Latin1: {
+        // A character Latin-1 cannot hold would be lost: such a document is written as UTF-8.
+        for (QChar c : text)
+            if (c.unicode() > 0xFF)
+                return text.toUtf8();
+        return text.toLatin1();
+    }
+    }
+    return text.toUtf8();
+}
+
+const char* encodingName(Encoding e) {
+    switch (e) {
+    case Encoding::Utf8: return "UTF-8";
+    case Encoding::Utf8Bom: return "UTF-8 with BOM";
+    case Encoding::Utf16LE: return "UTF-16 LE";
+    case Encoding::Utf16BE: return "UTF-16 BE";
+    case Encoding::Latin1: return "Latin-1";
+    }
+    return "?";
+}
+
+const char* lineBreakName(LineBreak l) {
+    switch (l) {
+    case LineBreak::CrLf: return "CR LF";
+    case LineBreak::Lf: return "LF";
+    case LineBreak::Cr: return "CR";
+    }
+    return "?";
+}
+
+} // namespace ed

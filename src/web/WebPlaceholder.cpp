@@ -1,0 +1,1 @@
+// The browser session and its commands live in this folder.

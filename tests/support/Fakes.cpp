@@ -1,0 +1,85 @@
+#include "support/Fakes.h"
+
+#include "editor/MenuTable.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+#include <vector>
+
+namespace ed::test {
+
+QString FakeDialogs::inputBox(const QString& prompt, const QString& title,
+                              const QString& defaultAnswer) {
+    prompts.push_back({prompt, title, defaultAnswer});
+    if (answers.empty())
+        return QString();
+    QString a = answers.front();
+    answers.pop_front();
+    return a;
+}
+
+Answer FakeDialogs::messageBox(const QString& text, const QString& title, Buttons buttons,
+                               Icon icon) {
+    messages.push_back({text, title, buttons, icon});
+    if (buttons == Buttons::Ok)
+        return Answer::Ok;
+    if (buttonAnswers.empty())
+        return buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
+    Answer a = buttonAnswers.front();
+    buttonAnswers.pop_front();
+    return a;
+}
+
+QString MemorySettings::read(const QString& app, const QString& section, const QString& key,
+                             const QString& defaultValue) {
+    return values.value(app + u'|' + section + u'|' + key, defaultValue);
+}
+
+void MemorySettings::write(const QString& app, const QString& section, const QString& key,
+                           const QString& value) {
+    ++writes;
+    values.insert(app + u'|' + section + u'|' + key, value);
+}
+
+namespace {
+StartUpState testStartUp() {
+    StartUpState s;
+    runStartUp(s, QStringLiteral("/opt/editor/Editor"), {});
+    return s;
+}
+} // namespace
+
+Harness::Harness(const QString& text)
+    : edit(text), window(), startUp(testStartUp()),
+      ctx(edit,  dialogs, clipboard, AppSettings(settings, startUp.RegKeyAppName),
+          log,   clock,   launcher,  menu,
+          util,  form,    window,    startUp) {
+    ctx.run = [this](const QString& item) { run(item); };
+}
+
+void Harness::run(const QString& item) {
+    const MenuItemDecl* d = findMenuItem(item);
+    if (!d)
+        throw std::runtime_error("no such menu item: " + item.toStdString());
+    if (!d->handler)
+        throw std::runtime_error("menu item has no handler: " + item.toStdString());
+    runMenuItem(*d, ctx);
+}
+
+QString Harness::setting(const QString& section, const QString& key) const {
+    return settings.values.value(startUp.RegKeyAppName + u'|' + section + u'|' + key,
+                                 QStringLiteral("<unset>"));
+}
+
+void Harness::setSetting(const QString& section, const QString& key, const QString& value) {
+    settings.values.insert(startUp.RegKeyAppName + u'|' + section + u'|' + key, value);
+}
+
+QString makeTempDir() {
+    static std::vector<std::unique_ptr<QTemporaryDir>> dirs;
+    dirs.push_back(std::make_unique<QTemporaryDir>());
+    return dirs.back()->path();
+}
+
+} // namespace ed::test

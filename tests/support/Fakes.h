@@ -1,0 +1,130 @@
+#pragma once
+// Test doubles for the ports and a harness that runs a command handler on a text buffer.
+
+#include "app/BatchPorts.h"
+#include "app/Command.h"
+#include "app/TextBuffer.h"
+#include "util/Utility.h"
+
+#include <QMap>
+#include <QStringList>
+
+#include <deque>
+
+namespace ed::test {
+
+struct PromptEvent {
+    QString prompt, title, defaultAnswer;
+};
+struct MessageEvent {
+    QString text, title;
+    Buttons buttons;
+    Icon icon;
+};
+
+// Answers prompts from a queue (empty queue = Cancel) and records what was shown.
+class FakeDialogs : public Dialogs {
+public:
+    std::deque<QString> answers;
+    std::deque<Answer> buttonAnswers;
+    std::vector<PromptEvent> prompts;
+    std::vector<MessageEvent> messages;
+
+    QString inputBox(const QString& prompt, const QString& title,
+                     const QString& defaultAnswer) override;
+    Answer messageBox(const QString& text, const QString& title, Buttons buttons,
+                      Icon icon) override;
+};
+
+class MemorySettings : public Settings {
+public:
+    QMap<QString, QString> values; // "app|section|key" -> value
+    int writes = 0;
+    QString read(const QString& app, const QString& section, const QString& key,
+                 const QString& defaultValue) override;
+    void write(const QString& app, const QString& section, const QString& key,
+               const QString& value) override;
+};
+
+struct LoggedError {
+    QString module, location, detail;
+};
+class RecordingLogger : public Logger {
+public:
+    std::vector<LoggedError> errors;
+    void logError(const QString& module, const QString& location, const QString& detail) override {
+        errors.push_back({module, location, detail});
+    }
+};
+
+class FixedClock : public Clock {
+public:
+    QDateTime time = QDateTime(QDate(2026, 11, 15), QTime(15, 47, 19));
+    QDateTime now() const override { return time; }
+};
+
+class FakeLauncher : public Launcher {
+public:
+    struct Started {
+        QString program;
+        QStringList arguments;
+    };
+    std::vector<Started> started;
+    QStringList opened, explored;
+    bool result = true;
+    bool startDetached(const QString& program, const QStringList& arguments) override {
+        started.push_back({program, arguments});
+        return result;
+    }
+    bool open(const QString& target) override {
+        opened << target;
+        return result;
+    }
+    bool explore(const QString& folder) override {
+        explored << folder;
+        return result;
+    }
+};
+
+class FakeWindow : public FormWindow {
+public:
+    QString captionText;
+    QStringList statuses;
+    int closed = 0;
+    void setCaption(const QString& c) override { captionText = c; }
+    QString caption() const override { return captionText; }
+    void showStatus(const QString& t) override { statuses << t; }
+    void close() override { ++closed; }
+};
+
+// Everything a handler needs, over a TextBuffer. `app` is the settings application name.
+struct Harness {
+    explicit Harness(const QString& text = QString());
+    TextBuffer edit;
+    FakeDialogs dialogs;
+    MemoryClipboard clipboard;
+    MemorySettings settings;
+    RecordingLogger log;
+    FixedClock clock;
+    FakeLauncher launcher;
+    DeclaredMenuState menu;
+    Utility util{log};
+    FormState form;
+    FakeWindow window;
+    StartUpState startUp;
+    CommandContext ctx;
+
+    // Runs a menu item through the registry (with its error trap), as the window would.
+    void run(const QString& item);
+    QString setting(const QString& section, const QString& key) const;
+    void setSetting(const QString& section, const QString& key, const QString& value);
+    void select(int start, int length) {
+        edit.setSelStart(start);
+        edit.setSelLength(length);
+    }
+};
+
+// A folder removed at the end of the test.
+QString makeTempDir();
+
+} // namespace ed::test
