@@ -1,0 +1,367 @@
+#include "web/CdpPage.h"
+
+#include "app/Trap.h"
+#include "web/WaitLoop.h"
+#include "web/WebSocketTransport.h"
+#include "web/WebText.h"
+
+#include <QJsonArray>
+
+namespace ed::web {
+
+namespace {
+
+[[noreturn]] void fail(const QString& message) {
+    throw RuntimeError(message.toStdString());
+}
+
+const QString kWorldName = QStringLiteral("EditorReader");
+
+// The element that holds window.frames[i]: frames are numbered in document order of their
+// frame, iframe and object elements.
+QString frameOwnerScript(int index) {
+    return QStringLiteral("(() => { const w = window.frames[%1]; if (!w) return null;"
+                          " for (const e of document.querySelectorAll('iframe,frame,object'))"
+                          " { if (e.contentWindow === w) return e; } return null; })()")
+        .arg(index);
+}
+
+QString frameUrl(const QJsonObject& frame) {
+    return frame.value(QStringLiteral("url")).toString() +
+           frame.value(QStringLiteral("urlFragment")).toString();
+}
+
+} // namespace
+
+CdpPage::CdpPage(const BrowserHandle& window, const Endpoint& endpoint, const CdpOptions& options,
+                 std::unique_ptr<CdpTransport> transport)
+    : handle_(window), endpoint_(endpoint), options_(options) {
+    const QUrl url(window.webSocketUrl);
+    const QString refused = checkLoopbackUrl(url);
+    if (!refused.isEmpty())
+        fail(refused);
+    if (!transport)
+        transport = std::make_unique<WebSocketTransport>();
+    client_ = std::make_unique<CdpClient>(std::move(transport), options.callTimeoutMs);
+    QObject::connect(client_.get(), &CdpClient::eventReceived, client_.get(),
+                     [this](const QString& method, const QJsonObject& params,
+                            const QString& sessionId) { onEvent(method, params, sessionId); });
+    QObject::connect(client_.get(), &CdpClient::connectionLost, client_.get(),
+                     [this](const QString& reason) {
+                         raiseClosing();
+                         if (events_.connectionLost)
+                             events_.connectionLost(reason);
+                     });
+    client_->connectTo(url);
+    client_->call(QStringLiteral("Page.enable"));
+    const QJsonObject tree = client_->call(QStringLiteral("Page.getFrameTree"))
+                                 .value(QStringLiteral("frameTree"))
+                                 .toObject();
+    mainFrameId_ =
+        tree.value(QStringLiteral("frame")).toObject().value(QStringLiteral("id")).toString();
+    rememberFrames(tree);
+    client_->call(QStringLiteral("Target.setAutoAttach"),
+                  {{QStringLiteral("autoAttach"), true},
+                   {QStringLiteral("waitForDebuggerOnStart"), false},
+                   {QStringLiteral("flatten"), true}});
+    // The browser names every target that exists already before it answers; only those
+    // created afterwards are new windows.
+    client_->call(QStringLiteral("Target.setDiscoverTargets"),
+                  {{QStringLiteral("discover"), true}});
+    discovering_ = true;
+}
+
+CdpPage::~CdpPage() {
+    client_->disconnect();
+    client_->close();
+}
+
+void CdpPage::rememberFrames(const QJsonObject& tree) {
+    const QJsonObject frame = tree.value(QStringLiteral("frame")).toObject();
+    frameUrls_.insert(frame.value(QStringLiteral("id")).toString(), frameUrl(frame));
+    for (const QJsonValue& child : tree.value(QStringLiteral("childFrames")).toArray())
+        rememberFrames(child.toObject());
+}
+
+void CdpPage::onEvent(const QString& method, const QJsonObject& params, const QString& sessionId) {
+    if (method == u"Page.frameNavigated") {
+        onFrameNavigated(params.value(QStringLiteral("frame")).toObject(), sessionId);
+    } else if (method == u"Page.navigatedWithinDocument") {
+        frameUrls_.insert(params.value(QStringLiteral("frameId")).toString(),
+                          params.value(QStringLiteral("url")).toString());
+    } else if (method == u"Page.frameStoppedLoading") {
+        const DocumentRef frame{params.value(QStringLiteral("frameId")).toString()};
+        QString url = frameUrls_.value(frame.frameId);
+        if (events_.documentComplete)
+            events_.documentComplete(frame, url);
+    } else if (method == u"Target.attachedToTarget") {
+        const QString child = params.value(QStringLiteral("sessionId")).toString();
+        const QJsonObject info = params.value(QStringLiteral("targetInfo")).toObject();
+        if (info.value(QStringLiteral("type")).toString() == u"iframe") {
+            childSessions_.insert(info.value(QStringLiteral("targetId")).toString(), child);
+            client_->post(QStringLiteral("Page.enable"), {}, child);
+            client_->post(QStringLiteral("Target.setAutoAttach"),
+                          {{QStringLiteral("autoAttach"), true},
+                           {QStringLiteral("waitForDebuggerOnStart"), false},
+                           {QStringLiteral("flatten"), true}},
+                          child);
+        }
+        client_->post(QStringLiteral("Runtime.runIfWaitingForDebugger"), {}, child);
+    } else if (method == u"Target.detachedFromTarget") {
+        const QString child = params.value(QStringLiteral("sessionId")).toString();
+        for (auto it = childSessions_.begin(); it != childSessions_.end();) {
+            if (it.value() == child)
+                it = childSessions_.erase(it);
+            else
+                ++it;
+        }
+    } else if (method == u"Target.targetCreated") {
+        onTargetCreated(params.value(QStringLiteral("targetInfo")).toObject());
+    } else if (method == u"Target.targetDestroyed") {
+        if (params.value(QStringLiteral("targetId")).toString() == handle_.targetId)
+            raiseClosing();
+    } else if (method == u"Inspector.detached" && sessionId.isEmpty()) {
+        raiseClosing();
+    }
+}
+
+void CdpPage::onFrameNavigated(const QJsonObject& frame, const QString& sessionId) {
+    const QString id = frame.value(QStringLiteral("id")).toString();
+    frameUrls_.insert(id, frameUrl(frame));
+    if (sessionId.isEmpty() && !frame.contains(QStringLiteral("parentId")))
+        mainFrameId_ = id;
+}
+
+void CdpPage::onTargetCreated(const QJsonObject& info) {
+    const QString id = info.value(QStringLiteral("targetId")).toString();
+    if (knownTargets_.contains(id))
+        return;
+    knownTargets_.insert(id);
+    if (!discovering_ || id == handle_.targetId ||
+        info.value(QStringLiteral("type")).toString() != u"page")
+        return;
+    BrowserHandle window;
+    window.targetId = id;
+    window.title = info.value(QStringLiteral("title")).toString();
+    window.url = info.value(QStringLiteral("url")).toString();
+    QUrl ws;
+    ws.setScheme(QStringLiteral("ws"));
+    ws.setHost(endpoint_.host);
+    ws.setPort(endpoint_.port);
+    ws.setPath(QStringLiteral("/devtools/page/") + id);
+    window.webSocketUrl = ws.toString();
+    bool cancel = false;
+    if (events_.newWindow)
+        events_.newWindow(window, cancel);
+    if (cancel && client_->isConnected())
+        client_->post(QStringLiteral("Target.closeTarget"), {{QStringLiteral("targetId"), id}});
+}
+
+void CdpPage::raiseClosing() {
+    if (closingRaised_)
+        return;
+    closingRaised_ = true;
+    if (events_.windowClosing)
+        events_.windowClosing();
+}
+
+void CdpPage::navigate(const QString& url) {
+    client_->call(QStringLiteral("Page.navigate"), {{QStringLiteral("url"), url}});
+}
+
+void CdpPage::stopLoading() {
+    client_->call(QStringLiteral("Page.stopLoading"));
+}
+
+void CdpPage::setWindowEdge(Edge edge, int pixels) {
+    const QJsonObject window = client_->call(QStringLiteral("Browser.getWindowForTarget"),
+                                             {{QStringLiteral("targetId"), handle_.targetId}});
+    const QJsonValue windowId = window.value(QStringLiteral("windowId"));
+    const QString state = window.value(QStringLiteral("bounds"))
+                              .toObject()
+                              .value(QStringLiteral("windowState"))
+                              .toString();
+    if (!state.isEmpty() && state != u"normal")
+        client_->call(QStringLiteral("Browser.setWindowBounds"),
+                      {{QStringLiteral("windowId"), windowId},
+                       {QStringLiteral("bounds"),
+                        QJsonObject{{QStringLiteral("windowState"), QStringLiteral("normal")}}}});
+    static const char* const names[] = {"top", "left", "width", "height"};
+    client_->call(
+        QStringLiteral("Browser.setWindowBounds"),
+        {{QStringLiteral("windowId"), windowId},
+         {QStringLiteral("bounds"), QJsonObject{{QString::fromLatin1(names[int(edge)]), pixels}}}});
+}
+
+CdpPage::World CdpPage::isolatedWorld(const QString& frameId) {
+    const QJsonObject params{{QStringLiteral("frameId"), frameId},
+                             {QStringLiteral("worldName"), kWorldName}};
+    auto create = [&](const QString& sessionId) {
+        return World{sessionId,
+                     client_->call(QStringLiteral("Page.createIsolatedWorld"), params, sessionId)
+                         .value(QStringLiteral("executionContextId"))
+                         .toInt()};
+    };
+    if (childSessions_.contains(frameId))
+        return create(childSessions_.value(frameId));
+    try {
+        return create(QString());
+    } catch (const RuntimeError&) {
+        // A frame of another site lives in its own process; its session may still be on the way.
+        if (!waitUntil([&] { return childSessions_.contains(frameId) || !isConnected(); },
+                       options_.frameAttachWaitMs))
+            throw;
+        if (!childSessions_.contains(frameId))
+            throw;
+        return create(childSessions_.value(frameId));
+    }
+}
+
+QJsonObject CdpPage::evaluate(const DocumentRef& document, const QString& expression,
+                              bool byValue) {
+    const QString frameId = document.isEmpty() ? mainFrameId_ : document.frameId;
+    const World world = isolatedWorld(frameId);
+    const QJsonObject reply = client_->call(QStringLiteral("Runtime.evaluate"),
+                                            {{QStringLiteral("expression"), expression},
+                                             {QStringLiteral("contextId"), world.contextId},
+                                             {QStringLiteral("returnByValue"), byValue}},
+                                            world.sessionId);
+    if (reply.contains(QStringLiteral("exceptionDetails"))) {
+        const QJsonObject details = reply.value(QStringLiteral("exceptionDetails")).toObject();
+        QString text = details.value(QStringLiteral("exception"))
+                           .toObject()
+                           .value(QStringLiteral("description"))
+                           .toString();
+        if (text.isEmpty())
+            text = details.value(QStringLiteral("text")).toString();
+        fail(QStringLiteral("Reading the page failed: %1").arg(text));
+    }
+    QJsonObject result = reply.value(QStringLiteral("result")).toObject();
+    result.insert(QStringLiteral("__session"), world.sessionId);
+    return result;
+}
+
+QJsonValue CdpPage::evaluateValue(const DocumentRef& document, const QString& expression) {
+    return evaluate(document, expression, true).value(QStringLiteral("value"));
+}
+
+int CdpPage::frameCount() {
+    return evaluateValue(topDocument(), QStringLiteral("window.frames.length")).toInt();
+}
+
+DocumentRef CdpPage::frameDocument(int index) {
+    const QJsonObject owner = evaluate(topDocument(), frameOwnerScript(index), false);
+    const QString objectId = owner.value(QStringLiteral("objectId")).toString();
+    if (objectId.isEmpty())
+        fail(QStringLiteral("The page has no frame %1.").arg(index));
+    const QString sessionId = owner.value(QStringLiteral("__session")).toString();
+    const QJsonObject node = client_
+                                 ->call(QStringLiteral("DOM.describeNode"),
+                                        {{QStringLiteral("objectId"), objectId}}, sessionId)
+                                 .value(QStringLiteral("node"))
+                                 .toObject();
+    client_->post(QStringLiteral("Runtime.releaseObject"), {{QStringLiteral("objectId"), objectId}},
+                  sessionId);
+    const QString frameId = node.value(QStringLiteral("frameId")).toString();
+    if (frameId.isEmpty())
+        fail(QStringLiteral("Frame %1 of the page has no document.").arg(index));
+    return {frameId};
+}
+
+QString CdpPage::documentHtml(const DocumentRef& document) {
+    return toCrLf(evaluateValue(document, QStringLiteral("(() => { const e = "
+                                                         "document.documentElement; return e ? "
+                                                         "e.innerHTML : ''; })()"))
+                      .toString());
+}
+
+QString CdpPage::documentText(const DocumentRef& document) {
+    return toCrLf(evaluateValue(document, QStringLiteral("(() => { const e = "
+                                                         "document.documentElement; return e ? "
+                                                         "e.innerText : ''; })()"))
+                      .toString());
+}
+
+QStringList CdpPage::documentLinks(const DocumentRef& document) {
+    const QJsonValue links = evaluateValue(
+        document, QStringLiteral("Array.from(document.links, a => typeof a.href === 'string' ? "
+                                 "a.href : ((a.href && a.href.baseVal) || ''))"));
+    QStringList out;
+    for (const QJsonValue& v : links.toArray())
+        out << v.toString();
+    return out;
+}
+
+QJsonObject CdpPage::targetInfo() {
+    return client_
+        ->call(QStringLiteral("Target.getTargetInfo"),
+               {{QStringLiteral("targetId"), handle_.targetId}})
+        .value(QStringLiteral("targetInfo"))
+        .toObject();
+}
+
+QString CdpPage::locationUrl() {
+    return targetInfo().value(QStringLiteral("url")).toString();
+}
+
+QString CdpPage::locationName() {
+    const QJsonObject info = targetInfo();
+    const QString title = info.value(QStringLiteral("title")).toString();
+    return title.isEmpty() ? info.value(QStringLiteral("url")).toString() : title;
+}
+
+QStringList CdpPage::allFrameIds() {
+    QStringList ids;
+    std::function<void(const QJsonObject&)> walk = [&](const QJsonObject& tree) {
+        ids << tree.value(QStringLiteral("frame"))
+                   .toObject()
+                   .value(QStringLiteral("id"))
+                   .toString();
+        for (const QJsonValue& child : tree.value(QStringLiteral("childFrames")).toArray())
+            walk(child.toObject());
+    };
+    walk(client_->call(QStringLiteral("Page.getFrameTree"))
+             .value(QStringLiteral("frameTree"))
+             .toObject());
+    for (auto it = childSessions_.cbegin(); it != childSessions_.cend(); ++it) {
+        if (!ids.contains(it.key()))
+            ids << it.key();
+    }
+    return ids;
+}
+
+QString CdpPage::selectionText() {
+    const QString script = QStringLiteral("String(window.getSelection())");
+    for (const QString& frameId : allFrameIds()) {
+        QString text;
+        try {
+            text = evaluateValue({frameId}, script).toString();
+        } catch (const RuntimeError&) {
+            if (frameId == mainFrameId_)
+                throw;
+            continue; // a frame that went away meanwhile
+        }
+        if (!text.isEmpty())
+            return toCrLf(text);
+    }
+    return QString();
+}
+
+QByteArray CdpPage::savedPage(bool archive) {
+    if (archive)
+        return client_
+            ->call(QStringLiteral("Page.captureSnapshot"),
+                   {{QStringLiteral("format"), QStringLiteral("mhtml")}})
+            .value(QStringLiteral("data"))
+            .toString()
+            .toUtf8();
+    return evaluateValue(topDocument(),
+                         QStringLiteral("(() => { const d = document.doctype; const head = d ? "
+                                        "'<!DOCTYPE ' + d.name + '>\\n' : ''; return head + "
+                                        "(document.documentElement ? "
+                                        "document.documentElement.outerHTML : ''); })()"))
+        .toString()
+        .toUtf8();
+}
+
+} // namespace ed::web

@@ -1,1 +1,0 @@
-// The browser session and its commands live in this folder.

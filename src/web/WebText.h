@@ -1,0 +1,45 @@
+#pragma once
+// Text rules of the browser session that need no browser: the protocol table, where an address
+// goes, tag stripping, e-mail/web-link recognition and cutting content out between tags.
+
+#include <QString>
+#include <QStringList>
+
+#include <array>
+
+namespace ed::web {
+
+// "http://", "https://", "ftp://", "file:///", "mailto:" at indices 0 to 4.
+const std::array<QString, 5>& protocolTypes();
+
+// Where NavigateToUrl sends an address: to the browser (as given, or with "http://" put in
+// front) or, for a prefix-less text holding "@", to the desktop's mail handler.
+struct NavigationTarget {
+    bool mail = false; // true: hand `text` to the desktop, do not navigate
+    QString text;
+};
+NavigationTarget navigationTarget(const QString& url);
+
+// The text without anything from a "<" up to and including the next ">"; a ">" outside a tag
+// is dropped too, character references stay as they are.
+QString stripHtml(const QString& text);
+
+enum LinkClass { NotALink = 0, EmailAddress = 1, WebLink = 2 };
+// Classifies an address. With `checkProtocol` a protocol prefix decides first ("mailto:" an
+// e-mail address, http/https/ftp/file a web link, any other scheme neither); without one, or
+// with `checkProtocol` false, the bare text is judged: name@domain.tld is an e-mail address,
+// host.tld[:port][/path], localhost or a dotted IPv4 address a web link.
+int isThisEmailOrLink(const QString& text, bool checkProtocol);
+bool isEmailAddress(const QString& text);
+bool isBareWebAddress(const QString& text);
+
+// Content between `startTag` and `stopTag` in `html`, searched without regard to case, cut out
+// of `html` as given. Each entry begins with the rest of the start tag (its attributes and its
+// ">"); an element that is not closed before the next start tag of its kind ends there. One ""
+// entry when nothing was found or a tag is "". At most 10000 entries and 10000 passes.
+QStringList htmlTagContent(QString startTag, QString stopTag, const QString& html);
+
+// Every line break (CR LF, lone LF, lone CR) as CR LF, the document's own line break.
+QString toCrLf(const QString& text);
+
+} // namespace ed::web

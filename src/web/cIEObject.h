@@ -1,0 +1,133 @@
+#pragma once
+// cIEObject: the program's session with a browser window. It finds the active browser window
+// (or starts a browser), navigates it, waits for pages, moves and sizes its window, stops it,
+// hangs up dial-up connections, and reads what the page shows (HTML, text, links, frames,
+// address, title, the selection). Every procedure traps its own errors and reports them to the
+// logger under module "cIEObject"; a caller sees an empty or false result, never an exception.
+//
+// Commands use one object per command: GetActiveBrowser(false), InitializeObject with the
+// result, one operation, then the object is destroyed.
+
+#include "app/Ports.h"
+#include "web/BrowserPage.h"
+#include "web/BrowserTypes.h"
+#include "web/DialUp.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace ed::web {
+
+// The usual places of a Chromium-family browser on this platform, in the order they are tried.
+QStringList defaultBrowserCandidates();
+// The browser profile folder of the program's own, used when it starts the browser itself.
+QString defaultProfileDir();
+// The command-line arguments a started browser gets: the debugging port of the endpoint, the
+// profile folder and the switches that keep a fresh profile quiet.
+QStringList launchArguments(quint16 port, const QString& profileDir);
+
+// What a session works with besides the browser.
+struct BrowserServices {
+    BrowserServices(Logger& log, Clipboard& clipboard, Launcher& launcher,
+                    std::shared_ptr<BrowserConnector> connector)
+        : log(log), clipboard(clipboard), launcher(launcher), connector(std::move(connector)) {}
+
+    Logger& log;
+    Clipboard& clipboard;
+    Launcher& launcher; // starts the browser; hands "mailto:" texts to the desktop
+    std::shared_ptr<BrowserConnector> connector;
+    std::shared_ptr<DialUpConnections> dialUp; // none: Hang Up Modem does nothing
+    FileDialogs* fileDialogs = nullptr;        // the Save As dialog of Save Web Page
+    QString browserPath;                       // the "Browser Path" setting ("" = look around)
+    QStringList browserCandidates = defaultBrowserCandidates();
+    QString profileDir = defaultProfileDir();
+    QStringList extraLaunchArguments; // put before the standard ones
+    int navigateWaitMs = 60000;       // longest wait of NavigateToUrl for the page
+    int launchWaitMs = 30000;         // longest wait for a started browser to answer
+    int launchPollMs = 250;
+};
+
+class cIEObject : public QObject {
+    Q_OBJECT
+public:
+    explicit cIEObject(BrowserServices services, QObject* parent = nullptr);
+    ~cIEObject() override;
+
+    // --- the session ---
+    bool Initialized() const { return initialized_; }
+    // Attaches to `browser`, or to GetActiveBrowser(false) when it is empty. Returns Initialized.
+    bool InitializeObject(const BrowserHandle& browser = BrowserHandle());
+    void IEStop();
+    void IETop(qint32 value);
+    void IEHeight(qint32 value);
+    void IELeft(qint32 value);
+    void IEWidth(qint32 value);
+    void HangUpModem();
+    QString InternetExplorerPath() const;
+    void setInternetExplorerPath(const QString& path) { msIEPath_ = path; }
+    // The endpoint's first browser window; with `launchIfNone` a browser is started when there
+    // is none and waited for. Empty when there is no window.
+    BrowserHandle GetActiveBrowser(bool launchIfNone = false);
+    void CancelWait();
+    // Sends the browser to `url` ("http://" put in front of a bare host name); a prefix-less text
+    // holding "@" goes to the mail program instead. With `wait`, returns when the page has
+    // loaded, CancelWait was called or the wait cap passed; the window keeps working meanwhile.
+    void NavigateToUrl(const QString& url, bool wait);
+
+    // --- page content ---
+    qint32 IsThisEmailOrLink(const QString& text, bool checkProtocol);
+    QString GetHTMLFromAllFrames();
+    QString GetTextFromAllFrames();
+    QStringList GetLinksOnAllFrames(bool topDocumentOnly);
+    // The number of frames minus 1: -1 for a page without frames.
+    qint32 FrameCount();
+    // Frame `index` while index < FrameCount(), else empty.
+    DocumentRef GetFrame(qint32 index);
+    QStringList GetLinksOnWebPage(const DocumentRef& document = DocumentRef());
+    QString GetBrowserText(const DocumentRef& document = DocumentRef());
+    QString GetBrowserHTML(const DocumentRef& document = DocumentRef());
+    QString GetSiteUrl();
+    QString GetSiteTitle(bool fromHtml);
+    QString StripHtml(const QString& text);
+    QString CopySelection();
+    void SaveWebPage();
+    QStringList Get_HtmlTag_Content(const QString& startTag, const QString& stopTag,
+                                    const QString& html);
+    qint32 ProtocolTypes_Count() const;
+    QString ProtocolTypes_ListItem(qint32 index) const;
+
+    // The attached window (empty when not attached).
+    BrowserHandle browser() const;
+
+signals:
+    // A frame's document finished loading; `pDisp` is that document (the top document when
+    // its frame id is the browser's own name). Connect directly: the arguments are references.
+    void DocumentComplete(const ed::web::DocumentRef& pDisp, QString& URL);
+    // A new browser window opened; setting `Cancel` closes it.
+    void NewWindow2(ed::web::BrowserHandle& ppDisp, bool& Cancel);
+    // The browser window closed or the browser quit.
+    void WindowClosing();
+
+private:
+    void attach(const BrowserHandle& browser);
+    void onDocumentComplete(const DocumentRef& frame, QString& url);
+    BrowserHandle findFirstPage();
+    void launchBrowser();
+    void setEdge(const char* label, BrowserPage::Edge edge, qint32 value);
+    QString propertyFromAllFrames(const char* label, bool html);
+    BrowserPage& page();
+
+    BrowserServices services_;
+    std::unique_ptr<BrowserPage> moIE_;
+    bool initialized_ = false;
+    bool mbCancelWait_ = false;
+    bool mbWaiting_ = false;
+    bool connectionLost_ = false;
+    QString connectionLostReason_;
+    QString msIEPath_;
+};
+
+} // namespace ed::web
