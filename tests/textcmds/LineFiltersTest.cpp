@@ -1,0 +1,265 @@
+#include "textcmds/LineFilters.h"
+
+#include "app/Trap.h"
+#include "support/Fakes.h"
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+const char* const kNumericPrompt = "Operation sign and numeric value\r\n\r\nExample:\r\n\r\n"
+                                   ">5000 means remove values greater than 5000";
+
+struct FilterCase {
+    const char* item;
+    const char* text;
+    const char* answer; // nullptr: the command asks nothing
+    const char* expected;
+};
+
+void PrintTo(const FilterCase& c, std::ostream* os) {
+    *os << c.item << " on \"" << c.text << "\" with " << (c.answer ? c.answer : "(no answer)");
+}
+
+class FilterTest : public ::testing::TestWithParam<FilterCase> {};
+
+TEST_P(FilterTest, KeepsTheRightLines) {
+    const FilterCase& c = GetParam();
+    Harness h(QString::fromUtf8(c.text));
+    if (c.answer)
+        h.dialogs.answers.push_back(QString::fromUtf8(c.answer));
+    h.run(QString::fromLatin1(c.item));
+    EXPECT_EQ(h.edit.text(), QString::fromUtf8(c.expected));
+    EXPECT_EQ(h.edit.assignments(), 1);
+    EXPECT_TRUE(h.log.errors.empty());
+    EXPECT_EQ(h.dialogs.prompts.size(), c.answer ? 1u : 0u);
+}
+
+constexpr const char* kContaining = "mnuRemoveLinesContainingText";
+constexpr const char* kNotContaining = "mnuRemoveLinesNotContainingText";
+constexpr const char* kNumeric = "mnuByNumericValue";
+constexpr const char* kRepeats = "mnuRemoveRepeats";
+constexpr const char* kNumbers = "100\r\n5000\r\n7000\r\nabc";
+
+INSTANTIATE_TEST_SUITE_P(
+    Text, FilterTest,
+    ::testing::Values(
+        FilterCase{kContaining, "Apple\r\nbanana\r\nAPPLESAUCE", "apple", "banana\r\n"},
+        FilterCase{kNotContaining, "Apple\r\nbanana\r\nAPPLESAUCE", "apple",
+                   "Apple\r\nAPPLESAUCE\r\n"},
+        // The final empty line passes "containing" and grows the text by one line break.
+        FilterCase{kContaining, "a\r\nb\r\n", "A", "b\r\n\r\n"},
+        FilterCase{kNotContaining, "a\r\nb\r\n", "a", "a\r\n"},
+        FilterCase{kContaining, "", "x", "\r\n"},
+        // The answer is taken as typed: its spaces count, nothing is a wildcard.
+        FilterCase{kContaining, "ba\r\n a\r\nx*y\r\nxzy", " a", "ba\r\nx*y\r\nxzy\r\n"},
+        FilterCase{kNotContaining, "ba\r\nx*y\r\nxzy", "x*", "x*y\r\n"},
+        // A lone LF is part of a line.
+        FilterCase{kContaining, "a\nb\r\nc", "b", "c\r\n"},
+        // Lower-casing follows Unicode, not just ASCII.
+        FilterCase{kContaining, "STRASSE\r\nStraße\r\nÄRGER", "ärger", "STRASSE\r\nStraße\r\n"},
+        FilterCase{kContaining, "\u212A\u00C5\r\nkilo\r\nx", "k", "x\r\n"},
+        FilterCase{kNotContaining, "\u212A\u00C5\r\nkilo\r\nx", "\u212A\u212B", "\u212A\u00C5\r\n"},
+        FilterCase{kContaining, "\u0130stanbul\r\nistanbul", "i\u0307s", "istanbul\r\n"},
+        FilterCase{kNotContaining, "ΣΊΣΥΦΟΣ\r\nάλλο", "σίσυφοσ", "ΣΊΣΥΦΟΣ\r\n"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Numeric, FilterTest,
+    ::testing::Values(FilterCase{kNumeric, kNumbers, "<5000", "7000\r\nabc\r\n"},
+                      FilterCase{kNumeric, kNumbers, ">5000", "100\r\nabc\r\n"},
+                      FilterCase{kNumeric, kNumbers, "=5000", "5000\r\nabc\r\n"},
+                      FilterCase{kNumeric, kNumbers, "#5000", "abc\r\n"},
+                      // No operator: '5' is the operator and '000' the number.
+                      FilterCase{kNumeric, kNumbers, "5000", "abc\r\n"},
+                      // Fractions round to the nearest, a half to the even neighbour.
+                      FilterCase{kNumeric, "12.5\r\n13.5\r\n 42 \r\n11.5\r\n12.4999", "=12",
+                                 "12.5\r\n11.5\r\n12.4999\r\n"},
+                      FilterCase{kNumeric, "-2.5\r\n-3.5\r\n+3\r\n-3\r\n- 3", "= -3.0",
+                                 "-3\r\n- 3\r\n"},
+                      FilterCase{kNumeric, "1e3\r\n1,000\r\n$5\r\n.5\r\n5.", "<0",
+                                 "1e3\r\n1,000\r\n$5\r\n5.\r\n"},
+                      FilterCase{kNumeric, "5\r\n", ">10", "5\r\n\r\n"},
+                      FilterCase{kNumeric, "", "=0", "\r\n"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Repeats, FilterTest,
+    ::testing::Values(FilterCase{kRepeats, "a\r\nb\r\na", nullptr, "a\r\nb\r\n"},
+                      FilterCase{kRepeats, "b\r\na\r\nb\r\nA\r\n\r\na\r\n", nullptr,
+                                 "b\r\na\r\nA\r\n"},
+                      FilterCase{kRepeats, "a \r\na\r\na \r\n", nullptr, "a \r\na\r\n"},
+                      FilterCase{kRepeats, "", nullptr, "\r\n"},
+                      FilterCase{kRepeats, "\r\n\r\n", nullptr, "\r\n"},
+                      FilterCase{kRepeats, "only", nullptr, "only\r\n"}));
+
+struct PromptCase {
+    const char* item;
+    const char* prompt;
+    const char* title;
+    const char* section;
+    const char* key;
+    const char* fallback;
+    bool selectionIsDefault;
+};
+
+class FilterPromptTest : public ::testing::TestWithParam<PromptCase> {};
+
+TEST_P(FilterPromptTest, OffersDefaultAndRemembersAnswerAsTyped) {
+    const PromptCase& c = GetParam();
+    const QString text = QStringLiteral(" 7 \r\n12\r\n70");
+
+    // Nothing remembered, nothing selected: the fallback.
+    Harness fresh(text);
+    fresh.run(c.item);
+    ASSERT_EQ(fresh.dialogs.prompts.size(), 1u);
+    EXPECT_EQ(fresh.dialogs.prompts[0].prompt, QString::fromUtf8(c.prompt));
+    EXPECT_EQ(fresh.dialogs.prompts[0].title, QString::fromUtf8(c.title));
+    EXPECT_EQ(fresh.dialogs.prompts[0].defaultAnswer, QString::fromUtf8(c.fallback));
+
+    // A selection: its trimmed text for the text filters; ignored by the numeric one.
+    Harness selected(text);
+    selected.setSetting(c.section, c.key, "=12");
+    selected.select(0, 3);
+    selected.dialogs.answers.push_back("=7 ");
+    selected.run(c.item);
+    ASSERT_EQ(selected.dialogs.prompts.size(), 1u);
+    EXPECT_EQ(selected.dialogs.prompts[0].defaultAnswer,
+              c.selectionIsDefault ? QStringLiteral("7") : QStringLiteral("=12"));
+    EXPECT_EQ(selected.setting(c.section, c.key), "=7 ");
+    EXPECT_EQ(selected.settings.writes, 1);
+    EXPECT_EQ(selected.edit.assignments(), 1);
+
+    // A blank selection falls back to the remembered answer.
+    Harness blank(text);
+    blank.setSetting(c.section, c.key, "=12");
+    blank.select(0, 1);
+    blank.run(c.item);
+    EXPECT_EQ(blank.dialogs.prompts[0].defaultAnswer, QStringLiteral("=12"));
+}
+
+TEST_P(FilterPromptTest, CancelIsSilent) {
+    const PromptCase& c = GetParam();
+    Harness h(QStringLiteral("a\r\n1"));
+    h.setSetting(c.section, c.key, "=1");
+    h.run(c.item);                   // no answer queued: cancelled
+    h.dialogs.answers.push_back(""); // confirmed empty
+    h.run(c.item);
+    EXPECT_EQ(h.dialogs.prompts.size(), 2u);
+    EXPECT_EQ(h.edit.text(), "a\r\n1");
+    EXPECT_EQ(h.edit.assignments(), 0);
+    EXPECT_EQ(h.settings.writes, 0);
+    EXPECT_EQ(h.setting(c.section, c.key), "=1");
+    EXPECT_TRUE(h.dialogs.messages.empty());
+    EXPECT_TRUE(h.log.errors.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Prompts, FilterPromptTest,
+                         ::testing::Values(PromptCase{kContaining, "Remove lines Containing text.",
+                                                      "Type text lines must contain", "frmEdit",
+                                                      "Previous Switch At Text", "", true},
+                                           PromptCase{kNotContaining,
+                                                      "Remove lines Not containing text.",
+                                                      "Type text lines must contain", "frmEdit",
+                                                      "Previous Switch At Text", "", true},
+                                           PromptCase{kNumeric, kNumericPrompt, "filter numbers",
+                                                      "Reg Key frmEdit", "PrvValue", "0", false}));
+
+TEST(NumericFilter, NonNumericNumberPartEndsSilently) {
+    for (const char* answer : {"<abc", "<", "=1 2", "<1e3"}) {
+        Harness h(QStringLiteral("1\r\n2"));
+        h.dialogs.answers.push_back(answer);
+        h.run(kNumeric);
+        EXPECT_EQ(h.edit.assignments(), 0) << answer;
+        EXPECT_EQ(h.settings.writes, 0) << answer;
+        EXPECT_TRUE(h.log.errors.empty()) << answer;
+        EXPECT_TRUE(h.dialogs.messages.empty()) << answer;
+    }
+}
+
+TEST(NumericFilter, OverflowIsLoggedAndTextKept) {
+    struct Case {
+        const char* text;
+        const char* answer;
+    };
+    for (const Case c : {Case{"1\r\n2", "<3000000000"}, Case{"1\r\n2", "=2147483647.5"},
+                         Case{"1\r\n99999999999\r\n2", "<5"}, Case{"1\r\n-2147483648.6", "#0"}}) {
+        Harness h(QString::fromLatin1(c.text));
+        h.dialogs.answers.push_back(c.answer);
+        h.run(kNumeric);
+        EXPECT_EQ(h.edit.text(), QString::fromLatin1(c.text)) << c.answer;
+        EXPECT_EQ(h.edit.assignments(), 0) << c.answer;
+        ASSERT_EQ(h.log.errors.size(), 1u) << c.answer;
+        EXPECT_EQ(h.log.errors[0].module, "frmEdit");
+        EXPECT_EQ(h.log.errors[0].location, "mnuByNumericValue_Click");
+        // The answer is remembered before the number is converted.
+        EXPECT_EQ(h.setting("Reg Key frmEdit", "PrvValue"), QString::fromLatin1(c.answer));
+    }
+}
+
+TEST(RoundedInt32, AcceptsPlainDecimalsAndRoundsHalfToEven) {
+    struct Case {
+        const char* text;
+        std::optional<qint32> value;
+    };
+    const Case cases[] = {
+        {" 42 ", 42},
+        {"\t7", 7},
+        {"+1", 1},
+        {"-0.5", 0},
+        {"0.5", 0},
+        {"1.5", 2},
+        {"2.5", 2},
+        {"2.51", 3},
+        {"2.50000", 2},
+        {"2.500001", 3},
+        {"-2.5", -2},
+        {"-3.5", -4},
+        {".5", 0},
+        {".6", 1},
+        {"5.", 5},
+        {"007", 7},
+        {"", {}},
+        {" ", {}},
+        {"-", {}},
+        {".", {}},
+        {"+.", {}},
+        {"1e3", {}},
+        {"1,000", {}},
+        {"1 2", {}},
+        {"--1", {}},
+        {"1.2.3", {}},
+        {"abc", {}},
+        {"0x10", {}},
+        {"\u0661", {}},
+        {"2147483647", 2147483647},
+        {"-2147483648", std::numeric_limits<qint32>::min()},
+        {"2147483646.5", 2147483646},
+        {"-2147483648.5", std::numeric_limits<qint32>::min()},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(roundedInt32(QString::fromUtf8(c.text)), c.value) << c.text;
+    for (const char* text : {"2147483648", "-2147483649", "2147483647.5", "-2147483648.51",
+                             "99999999999999999999999999999", "00000000000002147483648"})
+        EXPECT_THROW(roundedInt32(QString::fromLatin1(text)), RuntimeError) << text;
+}
+
+TEST(LowerCaser, EqualsFullUnicodeLowering) {
+    // One instance over lines of changing length and script: the reused buffer must never leak
+    // characters of an earlier line into a later one.
+    const QStringList lines = {QStringLiteral("HELLO World 123"),
+                               QStringLiteral("AB"),
+                               QString(),
+                               QStringLiteral("ÄÖÜ straße ΣΊΣΥΦΟΣ"),
+                               QStringLiteral("x"),
+                               QStringLiteral("\u0130I\u0130 long line with dotted capitals"),
+                               QStringLiteral("Q"),
+                               QStringLiteral("\u212A\u212B \U00010400\U00010401 DESERET"),
+                               QStringLiteral("@[`{")};
+    LowerCaser lower;
+    for (const QString& line : lines)
+        EXPECT_EQ(lower(line).toString(), line.toLower()) << line.toStdString();
+}
+
+} // namespace
