@@ -1,6 +1,7 @@
 #include "editor/MenuTable.h"
 
 #include "app/Trap.h"
+#include "textcmds/LineFilters.h"
 #include "textcmds/PrefixSuffix.h"
 
 #include <QHash>
@@ -109,15 +110,17 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuShowASCII", "Char To ASCII", "mnuConvert", "", W, nullptr, nullptr, nullptr},
     {"mnuRemove", "Remove", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuRemoveCRLF", "CRLF", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuRemoveRepeats", "Repeats", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuRemoveRepeats", "Repeats", "mnuRemove", "", kNone, mnuRemoveRepeats_Click, nullptr,
+     nullptr},
     {"mnuRemoveLeftSide", "Left Side", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
     {"mnuRemoveRightSide", "Right Side", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
     {"mnuRemoveFormatting", "Formatting", "mnuRemove", "", W, nullptr, nullptr, nullptr},
-    {"mnuByNumericValue", "By Numeric Value", "mnuRemove", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuRemoveLinesContainingText", "Lines Containing Text", "mnuRemove", "", kNone, nullptr,
+    {"mnuByNumericValue", "By Numeric Value", "mnuRemove", "", kNone, mnuByNumericValue_Click,
      nullptr, nullptr},
+    {"mnuRemoveLinesContainingText", "Lines Containing Text", "mnuRemove", "", kNone,
+     mnuRemoveLinesContainingText_Click, nullptr, nullptr},
     {"mnuRemoveLinesNotContainingText", "Lines Not Containing Text", "mnuRemove", "", kNone,
-     nullptr, nullptr, nullptr},
+     mnuRemoveLinesNotContainingText_Click, nullptr, nullptr},
     {"mnuReOrder", "ReOrder", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuGetHtmlTags", "Get Html Tags", "mnuReOrder", "", W, nullptr, nullptr, nullptr},
     {"mnuIndentParagraphs", "Indent Paragraphs", "mnuReOrder", "", kHidden | W, nullptr, nullptr,
