@@ -40,6 +40,45 @@ public:
     virtual void showStatus(const QString& text) = 0;
     // Closes the window (File > Close).
     virtual void close() = 0;
+    // The recently used files in FormState::LinkItems changed: rebuild their menu entries.
+    virtual void refreshLinks() {}
+    // Shows the About box.
+    virtual void showAbout() {}
+    // Shows the window (the last step of its load).
+    virtual void showWindow() {}
+};
+
+// Loading and saving the document as the edit control holds it, as text or as RTF. The store
+// remembers the file's encoding and line-break style and writes them back.
+class DocumentFiles {
+public:
+    virtual ~DocumentFiles() = default;
+    // Replaces the document with the file's content. False with `error` set when it fails
+    // (the document is then left empty).
+    virtual bool load(const QString& path, bool rtf, QString& error) = 0;
+    // Writes the document followed by one line break; atomically: all or nothing.
+    virtual bool save(const QString& path, bool rtf, QString& error) = 0;
+    // Forgets the remembered format: the next save writes a new document's format.
+    virtual void reset() = 0;
+};
+
+// The window's size, position and on-top state in twips (15 twips a pixel), and the screen's.
+class FormGeometry {
+public:
+    virtual ~FormGeometry() = default;
+    virtual QString formName() const = 0;
+    virtual int width() const = 0;
+    virtual int height() const = 0;
+    virtual int left() const = 0;
+    virtual int top() const = 0;
+    virtual int screenWidth() const = 0;
+    virtual int screenHeight() const = 0;
+    virtual bool isMinimized() const = 0;
+    // Moves and sizes the window in one step (twips).
+    virtual void setGeometry(int left, int top, int width, int height) = 0;
+    virtual void maximize() = 0;
+    // Topmost on or off, with the window's rectangle in pixels.
+    virtual void setTopmost(bool topmost, int x, int y, int cx, int cy) = 0;
 };
 
 struct CommandContext {
@@ -66,8 +105,12 @@ struct CommandContext {
     EditView* view = nullptr;
     FileDialogs* fileDialogs = nullptr;
     BrowserPort* browser = nullptr;
+    DocumentFiles* files = nullptr;
+    FormGeometry* geometry = nullptr;
     // Runs another command of the registry by its item name (Save As runs Save, and so on).
     std::function<void(const QString& item)> run;
+    // The quiet search of the command line (selects the first match, no message on a miss).
+    std::function<void(const QString& text)> searchQuietly;
 };
 
 using Handler = void (*)(CommandContext&);

@@ -23,6 +23,13 @@ public:
     // Extends the selection from the current start; clipped at the end of the text.
     virtual void setSelLength(int length) = 0;
     virtual QString selText() const = 0;
+    // Replaces `length` characters at `start` (both already within the text) by `replacement`.
+    // Where the caret ends up is the caller's business. This default rebuilds the whole text.
+    virtual void replaceRange(int start, int length, const QString& replacement) {
+        QString t = text();
+        t.replace(start, length, replacement);
+        setText(t);
+    }
 };
 
 struct FontSpec {
@@ -78,6 +85,8 @@ public:
     virtual FileDialogResult showOpen(const FileDialogRequest& request) = 0;
     virtual FileDialogResult showSave(const FileDialogRequest& request) = 0;
     virtual FontSpec showFont(const FontSpec& current) = 0;
+    // A folder chooser; "" when cancelled.
+    virtual QString showFolder(const QString& title, const QString& initialDir) = 0;
 };
 
 class Clipboard {

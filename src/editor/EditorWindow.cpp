@@ -1,5 +1,9 @@
 #include "editor/EditorWindow.h"
 
+#include "editor/AboutBox.h"
+#include "editor/DocumentStore.h"
+#include "editor/FormLoad.h"
+#include "editor/LinkMenu.h"
 #include "editor/MenuTable.h"
 #include "editor/PlainTextEditControl.h"
 
@@ -13,10 +17,11 @@
 namespace ed {
 
 EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
-    : QMainWindow(parent), startUp_(startUp), dialogs_(this),
+    : QMainWindow(parent), startUp_(startUp), dialogs_(this), fileDialogs_(this), geometry_(this),
       logger_(clock_, launcher_, startUp.StartUpComplete, startUp.exeName), store_(&logger_),
       util_(logger_) {
     setObjectName(QStringLiteral("frmEdit"));
+    setAttribute(Qt::WA_DeleteOnClose, false);
     logger_.setDialogs(&dialogs_);
     logger_.hooks().enableAllFormControls = [] {
         for (QWidget* w : QApplication::topLevelWidgets()) {
@@ -27,18 +32,37 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     };
     text_ = new QPlainTextEdit(this);
     text_->setObjectName(QStringLiteral("rtbEdit"));
+    text_->setFont(QFont(QStringLiteral("Arial")));
     setCentralWidget(text_);
     edit_ = new PlainTextEditControl(text_);
-    ctx_ = std::make_unique<CommandContext>(
-        *edit_, dialogs_, clipboard_, AppSettings(store_, startUp_.RegKeyAppName), logger_, clock_,
-        launcher_, menu_, util_, form_, *this, startUp_);
+    files_ = std::make_unique<WidgetDocumentFiles>(*edit_);
+    ctx_ = std::make_unique<CommandContext>(*edit_, dialogs_, clipboard_,
+                                            AppSettings(store_, startUp_.RegKeyAppName), logger_,
+                                            clock_, launcher_, menu_, util_, form_, *this, startUp_);
     ctx_->view = edit_;
+    ctx_->fileDialogs = &fileDialogs_;
+    ctx_->files = files_.get();
+    ctx_->geometry = &geometry_;
     ctx_->run = [this](const QString& item) { trigger(item); };
     buildMenus();
     statusBar();
 }
 
 EditorWindow::~EditorWindow() = default;
+
+void EditorWindow::setDialogs(Dialogs* dialogs) {
+    ctx_ = std::make_unique<CommandContext>(*edit_, *dialogs, clipboard_,
+                                            AppSettings(store_, startUp_.RegKeyAppName), logger_,
+                                            clock_, launcher_, menu_, util_, form_, *this, startUp_);
+    ctx_->view = edit_;
+    ctx_->fileDialogs = &fileDialogs_;
+    ctx_->files = files_.get();
+    ctx_->geometry = &geometry_;
+    ctx_->run = [this](const QString& item) { trigger(item); };
+    logger_.setDialogs(dialogs);
+}
+
+void EditorWindow::setFileDialogs(FileDialogs* dialogs) { ctx_->fileDialogs = dialogs; }
 
 void EditorWindow::buildMenus() {
     QHash<QString, QMenu*> menus;
@@ -51,6 +75,7 @@ void EditorWindow::buildMenus() {
             m->setObjectName(name);
             m->menuAction()->setObjectName(name);
             m->menuAction()->setVisible(!(d.flags & kHidden));
+            m->setToolTipsVisible(true);
             menus.insert(name, m);
             menu_.add(name, m->menuAction());
             continue;
@@ -58,12 +83,15 @@ void EditorWindow::buildMenus() {
         if (!parent)
             continue;
         if (d.flags & kSeparator) {
-            QAction* sep = parent->addSeparator();
-            sep->setObjectName(name);
+            parent->addSeparator()->setObjectName(name);
             continue;
         }
         if (d.flags & kLinkList) {
-            // Filled with the recently used files at load.
+            // The recently used files go in front of this invisible anchor.
+            fileMenu_ = parent;
+            linkAnchor_ = parent->addAction(QString());
+            linkAnchor_->setObjectName(name);
+            linkAnchor_->setVisible(false);
             continue;
         }
         QAction* a = parent->addAction(caption);
@@ -78,32 +106,42 @@ void EditorWindow::buildMenus() {
             a->setToolTip(tr("Not available in this version"));
             a->setStatusTip(tr("Not available in this version"));
         }
-        const MenuItemDecl* decl = &d;
-        connect(a, &QAction::triggered, this, [this, decl] { runMenuItem(*decl, *ctx_); });
+        connect(a, &QAction::triggered, this, [this, name] { runItem(name); });
         menu_.add(name, a);
     }
-    for (QMenu* m : menus)
-        m->setToolTipsVisible(true);
 }
 
-void EditorWindow::trigger(const QString& item) {
-    if (const MenuItemDecl* d = findMenuItem(item))
+void EditorWindow::runItem(const QString& name) {
+    if (const MenuItemDecl* d = findMenuItem(name))
         runMenuItem(*d, *ctx_);
 }
 
-void EditorWindow::load() {
-    // Start-up has filled the names; the window's load procedure follows.
-    if (form_.FileName.isEmpty()) {
-        form_.LastDir = ctx_->settings.get(QStringLiteral("frmEdit"), QStringLiteral("Last Dir"));
-        if (form_.LastDir.isEmpty())
-            form_.LastDir = startUp_.programFolder + u'/';
-        form_.FileName = util_.GetFreeFile(form_.LastDir + QStringLiteral("Text-0.Txt"));
-        form_.NewFileName = form_.FileName;
-        setCaption(form_.FileName);
+void EditorWindow::trigger(const QString& item) { runItem(item); }
+
+void EditorWindow::refreshLinks() {
+    if (!fileMenu_)
+        return;
+    for (QAction* a : linkActions_) {
+        fileMenu_->removeAction(a);
+        a->deleteLater();
     }
-    resize(5000 / 15, 4000 / 15);
-    show();
+    linkActions_.clear();
+    for (int i = 0; i < kLinkCount; ++i) {
+        const QString name = form_.LinkItems[size_t(i)];
+        if (name.isEmpty())
+            continue;
+        auto* a = new QAction(QStringLiteral("&%1 %2").arg(i < 9 ? QString::number(i + 1) : QString(QChar(u'A' + i - 9)), name),
+                              fileMenu_);
+        a->setObjectName(QStringLiteral("mnuLnk%1").arg(i + 1));
+        connect(a, &QAction::triggered, this, [this, i] { mnuLnk_Click(*ctx_, i); });
+        fileMenu_->insertAction(linkAnchor_, a);
+        linkActions_ << a;
+    }
 }
+
+void EditorWindow::load() { Form_Load(*ctx_, startUp_.CommandLine); }
+
+void EditorWindow::showWindow() { show(); }
 
 void EditorWindow::setCaption(const QString& caption) {
     form_.caption = caption;
@@ -116,8 +154,19 @@ void EditorWindow::showStatus(const QString& text) { statusBar()->showMessage(te
 
 void EditorWindow::close() { QMainWindow::close(); }
 
-void EditorWindow::closeEvent(QCloseEvent* event) { event->accept(); }
+void EditorWindow::showAbout() {
+    if (!about_)
+        about_ = makeAboutBox(this, store_.filePath(startUp_.RegKeyAppName),
+                              ErrorLogger::logFilePath());
+    about_->show();
+    about_->raise();
+}
 
-void EditorWindow::resizeEvent(QResizeEvent* event) { QMainWindow::resizeEvent(event); }
+void EditorWindow::closeEvent(QCloseEvent* event) {
+    if (about_)
+        about_->close();
+    Form_Unload(*ctx_);
+    event->accept();
+}
 
 } // namespace ed

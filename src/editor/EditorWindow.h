@@ -7,17 +7,21 @@
 #include "app/SettingsStore.h"
 #include "app/SystemPorts.h"
 #include "editor/QtPorts.h"
+#include "editor/WindowAdapters.h"
 #include "util/Utility.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <memory>
 
+class QMenu;
 class QPlainTextEdit;
 
 namespace ed {
 
 class PlainTextEditControl;
+class TextDocumentFiles;
 
 class EditorWindow : public QMainWindow, public FormWindow {
     Q_OBJECT
@@ -25,8 +29,7 @@ public:
     explicit EditorWindow(StartUpState& startUp, QWidget* parent = nullptr);
     ~EditorWindow() override;
 
-    // The window's load procedure: settings, document, font, placement, show, keep on top,
-    // command-line search.
+    // The window's load procedure (see Form_Load).
     void load();
 
     // FormWindow
@@ -34,6 +37,9 @@ public:
     QString caption() const override;
     void showStatus(const QString& text) override;
     void close() override;
+    void refreshLinks() override;
+    void showAbout() override;
+    void showWindow() override;
 
     CommandContext& context() { return *ctx_; }
     PlainTextEditControl& editControl() { return *edit_; }
@@ -42,17 +48,23 @@ public:
     // Runs a menu item by name as if it had been clicked.
     void trigger(const QString& item);
 
+    // Lets tests replace the dialogs with scripted ones.
+    void setDialogs(Dialogs* dialogs);
+    void setFileDialogs(FileDialogs* dialogs);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void buildMenus();
+    void runItem(const QString& name);
 
     StartUpState& startUp_;
     QPlainTextEdit* text_ = nullptr;
     PlainTextEditControl* edit_ = nullptr;
     QtDialogs dialogs_;
+    QtFileDialogs fileDialogs_;
+    WidgetGeometry geometry_;
     QtClipboard clipboard_;
     ActionMenuState menu_;
     SystemClock clock_;
@@ -61,7 +73,12 @@ private:
     SettingsStore store_;
     Utility util_;
     FormState form_;
+    std::unique_ptr<TextDocumentFiles> files_;
     std::unique_ptr<CommandContext> ctx_;
+    QMenu* fileMenu_ = nullptr;
+    QList<QAction*> linkActions_;
+    QAction* linkAnchor_ = nullptr;
+    QPointer<QWidget> about_;
 };
 
 } // namespace ed

@@ -1,6 +1,11 @@
 #include "editor/MenuTable.h"
 
 #include "app/Trap.h"
+#include "editor/ClipboardCommands.h"
+#include "editor/DocumentCommands.h"
+#include "editor/Placement.h"
+#include "editor/SearchCommands.h"
+#include "editor/ViewCommands.h"
 #include "textcmds/Case.h"
 #include "textcmds/CodeArray.h"
 #include "textcmds/CountsDates.h"
@@ -23,37 +28,40 @@ constexpr unsigned W = kWindowOnly;
 const std::vector<MenuItemDecl> kItems = {
     // File
     {"mnuFile", "File", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuNew", "New", "mnuFile", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuOpen", "Open", "mnuFile", "", W, nullptr, nullptr, nullptr},
-    {"mnuSave", "Save", "mnuFile", "Ctrl+S", kNone, nullptr, nullptr, nullptr},
-    {"mnuSaveAs", "Save As", "mnuFile", "", W, nullptr, nullptr, nullptr},
-    {"mnuSaveAsRTF", "Save RTF", "mnuFile", "", W, nullptr, nullptr, nullptr},
-    {"mnuOpenSelect", "Open (Select Dir)", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"mnuNew", "New", "mnuFile", "", kNone, mnuNew_Click, nullptr, nullptr},
+    {"mnuOpen", "Open", "mnuFile", "", W, mnuOpen_Click, nullptr, nullptr},
+    {"mnuSave", "Save", "mnuFile", "Ctrl+S", W, mnuSave_Click, nullptr, nullptr},
+    {"mnuSaveAs", "Save As", "mnuFile", "", W, mnuSaveAs_Click, nullptr, nullptr},
+    {"mnuSaveAsRTF", "Save RTF", "mnuFile", "", W, mnuSaveAsRTF_Click, nullptr, nullptr},
+    {"mnuOpenSelect", "Open (Select Dir)", "mnuFile", "", W, mnuOpenSelect_Click, nullptr, nullptr},
     {"sep4", "-", "mnuFile", "", S, nullptr, nullptr, nullptr},
-    {"mnuDelete", "Delete", "mnuFile", "", W, nullptr, nullptr, nullptr},
+    {"mnuDelete", "Delete", "mnuFile", "", W, mnuDelete_Click, nullptr, nullptr},
     {"mnuSeperator0", "-", "mnuFile", "", S, nullptr, nullptr, nullptr},
     {"mnuLnk", "", "mnuFile", "", kLinkList | W, nullptr, nullptr, nullptr},
     {"mnuSeperator1", "-", "mnuFile", "", S, nullptr, nullptr, nullptr},
-    {"mnuExit", "Close", "mnuFile", "Ctrl+X", W, nullptr, nullptr, nullptr},
+    {"mnuExit", "Close", "mnuFile", "Ctrl+X", W, mnuExit_Click, nullptr, nullptr},
     // Edit
     {"mnuEdit", "Edit", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuCut", "Cut", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuCopy", "Copy", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuPaste", "Paste", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuSelectAll", "Select All", "mnuEdit", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuCut", "Cut", "mnuEdit", "", kNone, mnuCut_Click, nullptr, nullptr},
+    {"mnuCopy", "Copy", "mnuEdit", "", kNone, mnuCopy_Click, nullptr, nullptr},
+    {"mnuPaste", "Paste", "mnuEdit", "", kNone, mnuPaste_Click, nullptr, nullptr},
+    {"mnuSelectAll", "Select All", "mnuEdit", "", kNone, mnuSelectAll_Click, nullptr, nullptr},
     {"mnuSep1", "-", "mnuEdit", "", S, nullptr, nullptr, nullptr},
-    {"mnuChangeFont", "Change Font", "mnuEdit", "", W, nullptr, nullptr, nullptr},
+    {"mnuChangeFont", "Change Font", "mnuEdit", "", W, mnuChangeFont_Click, nullptr, nullptr},
     {"sep2", "-", "mnuEdit", "", S, nullptr, nullptr, nullptr},
-    {"mnuNoWrap", "No Word Wrap", "mnuEdit", "", kCheckable | W, nullptr, nullptr, nullptr},
+    {"mnuNoWrap", "No Word Wrap", "mnuEdit", "", kCheckable | W, mnuNoWrap_Click, nullptr, nullptr},
     // Search
     {"mnuSearchMain", "Search", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuSearch", "Find...", "mnuSearchMain", "Ctrl+F", kNone, nullptr, nullptr, nullptr},
-    {"mnuFindNext", "Find Next", "mnuSearchMain", "F3", kDisabled, nullptr, nullptr, nullptr},
-    {"mnuReplace", "Replace...", "mnuSearchMain", "Ctrl+H", kNone, nullptr, nullptr, nullptr},
+    {"mnuSearch", "Find...", "mnuSearchMain", "Ctrl+F", kNone, mnuSearch_Click, nullptr, nullptr},
+    {"mnuFindNext", "Find Next", "mnuSearchMain", "F3", kDisabled, mnuFindNext_Click, nullptr,
+     nullptr},
+    {"mnuReplace", "Replace...", "mnuSearchMain", "Ctrl+H", kNone, mnuReplace_Click, nullptr,
+     nullptr},
     // View
     {"mnuView", "View", nullptr, "", M, nullptr, nullptr, nullptr},
     {"sep12", "-", "mnuView", "", S, nullptr, nullptr, nullptr},
-    {"mnuKeepOnTop", "Keep On Top", "mnuView", "", kCheckable | W, nullptr, nullptr, nullptr},
+    {"mnuKeepOnTop", "Keep On Top", "mnuView", "", kCheckable | W, mnuKeepOnTop_Click, nullptr,
+     nullptr},
     // Web
     {"mnuWeb", "Web", nullptr, "", M, nullptr, nullptr, nullptr},
     {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, nullptr, nullptr, nullptr},
@@ -86,9 +94,10 @@ const std::vector<MenuItemDecl> kItems = {
      nullptr},
     // Tools
     {"mnuTools", "Tools", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuSetDefaultDir", "Set (Select Dir)", "mnuTools", "", W, nullptr, nullptr, nullptr},
+    {"mnuSetDefaultDir", "Set (Select Dir)", "mnuTools", "", W, mnuSetDefaultDir_Click, nullptr,
+     nullptr},
     {"mnuExplorer", "Open Explorer", "mnuTools", "", kNone, nullptr, nullptr, nullptr},
-    {"mnuWebsites", "Open In Notepad", "mnuTools", "", W, nullptr, nullptr, nullptr},
+    {"mnuWebsites", "Open In Notepad", "mnuTools", "", W, mnuWebsites_Click, nullptr, nullptr},
     {"mnuLoadinwebbrowser", "Open In Default Editor", "mnuTools", "", kNone, nullptr, nullptr,
      nullptr},
     {"sep7", "-", "mnuTools", "", S, nullptr, nullptr, nullptr},
@@ -109,10 +118,12 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuInsertTextAt", "Text At", "mnuInsert", "", kNone, mnuInsertTextAt_Click, nullptr, nullptr},
     {"mnuInsertBlankLines", "Blank Lines", "mnuInsert", "F4", kNone, mnuInsertBlankLines_Click,
      "Sub mnuInsertBlankLines_Click", nullptr},
-    {"mnuInsertTextFromFile", "Text From File", "mnuInsert", "", W, nullptr, nullptr, nullptr},
+    {"mnuInsertTextFromFile", "Text From File", "mnuInsert", "", W, mnuInsertTextFromFile_Click,
+     nullptr, nullptr},
     {"mnuInsertDateTime", "Date and Time", "mnuInsert", "", kNone, mnuInsertDateTime_Click, nullptr,
      nullptr},
-    {"mnuLoadClipBoardText", "ClipBoard Text", "mnuInsert", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuLoadClipBoardText", "ClipBoard Text", "mnuInsert", "", kNone, mnuLoadClipBoardText_Click,
+     nullptr, nullptr},
     {"mnuConvert", "Convert", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuAsciiToHex", "Ascii To Hex", "mnuConvert", "", W, nullptr, nullptr, nullptr},
     {"mnuHexToAscii", "Hex To Ascii", "mnuConvert", "", W, nullptr, nullptr, nullptr},
@@ -175,7 +186,7 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuCascade", "Casade", "mnuWindow", "", W, nullptr, nullptr, nullptr},
     // Help
     {"mnuHelp", "Help", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuAbout", "About", "mnuHelp", "", W, nullptr, nullptr, nullptr},
+    {"mnuAbout", "About", "mnuHelp", "", W, mnuAbout_Click, nullptr, nullptr},
 };
 
 const QHash<QString, const MenuItemDecl*>& index() {

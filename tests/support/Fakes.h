@@ -10,6 +10,13 @@
 #include <QStringList>
 
 #include <deque>
+#include <ostream>
+
+// Readable QString values in test failures and messages.
+inline std::ostream& operator<<(std::ostream& os, const QString& s) {
+    return os << '"' << s.toStdString() << '"';
+}
+inline void PrintTo(const QString& s, std::ostream* os) { *os << s; }
 
 namespace ed::test {
 

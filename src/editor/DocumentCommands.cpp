@@ -1,0 +1,218 @@
+#include "editor/DocumentCommands.h"
+
+#include "app/Trap.h"
+#include "editor/DocumentIO.h"
+#include "editor/LinkMenu.h"
+#include "editor/ViewCommands.h"
+#include "util/Utility.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace ed {
+
+namespace {
+
+const QString kSection = QStringLiteral("frmEdit");
+
+DocumentFiles& files(CommandContext& ctx) {
+    if (!ctx.files)
+        throw RuntimeError("No document store");
+    return *ctx.files;
+}
+
+QString folderOf(CommandContext& ctx, const QString& path) {
+    return ctx.util.InStrRevGetBeginning(path, QStringLiteral("/"));
+}
+
+void tellSaveFailed(CommandContext& ctx, const QString& path, const QString& error) {
+    ctx.dialogs.messageBox(
+        QStringLiteral("The document was not saved to\r\n%1\r\n\r\n%2\r\n\r\nThe file on disk "
+                       "was left as it was.")
+            .arg(path, error),
+        QStringLiteral("Save failed"), Buttons::Ok, Icon::Critical);
+}
+
+} // namespace
+
+QString documentFilter() {
+    return QStringLiteral("All files *.*|*.*|Text files *.txt|*.txt|RTF text *.rtf|*.rtf|Html files "
+                          "*.htm|*.htm|Ini files *.ini|*.ini|Batch files *.bat|*.bat");
+}
+
+QString GetNewFile(CommandContext& ctx) {
+    QString dir = ctx.form.LastDir;
+    if (!dir.isEmpty() && !dir.endsWith(u'/'))
+        dir += u'/';
+    ctx.form.NewFileName = ctx.util.GetFreeFile(dir + QStringLiteral("Text-0.Txt"));
+    return ctx.form.NewFileName;
+}
+
+void adoptFileName(CommandContext& ctx, const QString& path, bool setCaption) {
+    ctx.form.FileName = path;
+    if (setCaption)
+        ctx.window.setCaption(path);
+    ctx.form.LastDir = folderOf(ctx, path);
+    ctx.settings.save(kSection, QStringLiteral("Last Dir"), ctx.form.LastDir);
+}
+
+void LoadNewFile(CommandContext& ctx, const QString& path) {
+    trapped(ctx.log, "frmEdit", QStringLiteral("Sub LoadNewFile"), [&] {
+        if (path.isEmpty())
+            return;
+        const QString ext =
+            ctx.util.InStrRevGetEnding(path.trimmed(), QStringLiteral(".")).toLower();
+        QString error;
+        const bool rtf = ext == u"rtf";
+        if (!files(ctx).load(path, rtf, error)) {
+            ctx.window.showStatus(QStringLiteral("Could not open %1: %2").arg(path, error));
+            throw RuntimeError(error.toStdString());
+        }
+        if (!rtf)
+            SetFont(ctx);
+        ctx.window.setCaption(path);
+    });
+}
+
+void mnuNew_Click(CommandContext& ctx) {
+    ctx.edit.setText(QString());
+    if (ctx.files)
+        ctx.files->reset();
+    ctx.form.FileName = GetNewFile(ctx);
+    ctx.window.setCaption(ctx.form.FileName);
+}
+
+void mnuOpen_Click(CommandContext& ctx) {
+    if (!ctx.fileDialogs)
+        throw RuntimeError("No file dialog");
+    const QString quick = ctx.settings.get(kSection, QStringLiteral("FEQuickDir"), QString());
+    FileDialogRequest req;
+    req.filter = documentFilter();
+    req.defaultExtension = QStringLiteral("txt");
+    if (!quick.isEmpty() && ctx.form.OpenSelectPending) {
+        req.initialDir = quick;
+        ctx.form.OpenSelectPending = false;
+    } else if (!ctx.form.KeepInitDirOnce) {
+        req.initialDir = ctx.form.LastDir;
+    } else {
+        ctx.form.KeepInitDirOnce = false;
+    }
+    const FileDialogResult r = ctx.fileDialogs->showOpen(req);
+    if (r.fileName.isEmpty())
+        return;
+    ctx.edit.setText(QString());
+    PutLinkOnMenu(ctx, r.fileName);
+    adoptFileName(ctx, r.fileName, false);
+    LoadNewFile(ctx, r.fileName);
+}
+
+void mnuOpenSelect_Click(CommandContext& ctx) {
+    ctx.form.OpenSelectPending = true;
+    mnuOpen_Click(ctx);
+}
+
+void mnuSave_Click(CommandContext& ctx) {
+    const QString path = ctx.window.caption().trimmed();
+    const QString ext = ctx.util.InStrRevGetEnding(path, QStringLiteral(".")).toLower();
+    QString error;
+    if (!files(ctx).save(path, ext == u"rtf", error)) {
+        tellSaveFailed(ctx, path, error);
+        throw RuntimeError(error.toStdString());
+    }
+    ctx.window.showStatus(QStringLiteral("Saved %1").arg(path));
+}
+
+void mnuSaveAsRTF_Click(CommandContext& ctx) {
+    const QString name =
+        ctx.util.InStrRevGetBeginning(ctx.window.caption().trimmed(), QStringLiteral(".")) +
+        QStringLiteral("rtf");
+    ctx.window.setCaption(name);
+    QString error;
+    if (!files(ctx).save(name, true, error)) {
+        tellSaveFailed(ctx, name, error);
+        throw RuntimeError(error.toStdString());
+    }
+    PutLinkOnMenu(ctx, name);
+}
+
+void mnuSaveAs_Click(CommandContext& ctx) {
+    if (!ctx.fileDialogs)
+        throw RuntimeError("No file dialog");
+    const FileSpecParts parts = ctx.util.GetFileSpecParts(ctx.form.FileName);
+    static const QStringList kExtensions = {QString(),        QStringLiteral("txt"),
+                                            QStringLiteral("rtf"), QStringLiteral("htm"),
+                                            QStringLiteral("ini"), QStringLiteral("bat")};
+    FileDialogRequest req;
+    req.filter = documentFilter();
+    req.defaultExtension = QStringLiteral("txt");
+    const qsizetype idx = kExtensions.indexOf(parts.extension.toLower());
+    req.filterIndex = idx > 0 ? int(idx) + 1 : 0;
+    req.initialDir = ctx.form.LastDir;
+    req.fileName = parts.baseName;
+    const FileDialogResult r = ctx.fileDialogs->showSave(req);
+    QString name = r.fileName.trimmed();
+    if (name.isEmpty())
+        return;
+    if (!QFileInfo(name).fileName().contains(u'.') && r.filterIndex >= 2 &&
+        r.filterIndex <= int(kExtensions.size()))
+        name += u'.' + kExtensions[r.filterIndex - 1];
+    adoptFileName(ctx, name);
+    mnuSave_Click(ctx);
+    PutLinkOnMenu(ctx, name);
+}
+
+void mnuDelete_Click(CommandContext& ctx) {
+    const Answer a = ctx.dialogs.messageBox(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
+                                                ctx.form.FileName + QStringLiteral(" ?"),
+                                            QStringLiteral("Delete File?"), Buttons::YesNo,
+                                            Icon::Critical);
+    if (a != Answer::Yes)
+        return;
+    QFile f(ctx.form.FileName);
+    if (!f.exists())
+        throw RuntimeError(QStringLiteral("File not found: %1").arg(ctx.form.FileName).toStdString());
+    if (!f.remove())
+        throw RuntimeError(QStringLiteral("Cannot delete %1: %2")
+                               .arg(ctx.form.FileName, f.errorString())
+                               .toStdString());
+    mnuNew_Click(ctx);
+}
+
+void mnuInsertTextFromFile_Click(CommandContext& ctx) {
+    if (!ctx.fileDialogs)
+        throw RuntimeError("No file dialog");
+    FileDialogRequest req;
+    req.filter = documentFilter();
+    req.initialDir = ctx.form.LastDir;
+    const FileDialogResult r = ctx.fileDialogs->showOpen(req);
+    if (r.fileName.isEmpty())
+        return;
+    const QString text = ctx.util.LoadTextFile(r.fileName);
+    // The file's text replaces the selection; the caret ends after it.
+    const QString d = ctx.edit.text();
+    const int s = ctx.edit.selStart();
+    const int l = ctx.edit.selLength();
+    ctx.edit.setText(d.left(s) + text + d.mid(s + l));
+    ctx.edit.setSelStart(s + int(text.size()));
+}
+
+void mnuSetDefaultDir_Click(CommandContext& ctx) {
+    if (!ctx.fileDialogs)
+        throw RuntimeError("No file dialog");
+    const QString current = ctx.settings.get(kSection, QStringLiteral("FEQuickDir"), QString());
+    QString dir = ctx.fileDialogs->showFolder(QStringLiteral("Quick folder for Open (Select Dir)"),
+                                              current.isEmpty() ? ctx.form.LastDir : current);
+    if (dir.isEmpty())
+        return;
+    if (!dir.endsWith(u'/'))
+        dir += u'/';
+    ctx.settings.save(kSection, QStringLiteral("FEQuickDir"), dir);
+    ctx.window.showStatus(QStringLiteral("Open (Select Dir) now starts in %1").arg(dir));
+}
+
+void mnuWebsites_Click(CommandContext& ctx) {
+    if (!ctx.launcher.open(ctx.form.FileName))
+        throw RuntimeError("Cannot start the text editor");
+}
+
+} // namespace ed

@@ -1,0 +1,27 @@
+#pragma once
+// The File menu: new, open, save, save as, save as RTF, delete, and the document loader.
+
+#include "app/Command.h"
+
+namespace ed {
+
+// The filter of the open and save dialogs, as the window sets it at load.
+QString documentFilter();
+
+QString GetNewFile(CommandContext& ctx);
+void LoadNewFile(CommandContext& ctx, const QString& path);
+// Adopts `path` as the document's name: FileName, caption, LastDir and its setting.
+void adoptFileName(CommandContext& ctx, const QString& path, bool setCaption = true);
+
+void mnuNew_Click(CommandContext& ctx);
+void mnuOpen_Click(CommandContext& ctx);
+void mnuOpenSelect_Click(CommandContext& ctx);
+void mnuSave_Click(CommandContext& ctx);
+void mnuSaveAsRTF_Click(CommandContext& ctx);
+void mnuSaveAs_Click(CommandContext& ctx);
+void mnuDelete_Click(CommandContext& ctx);
+void mnuInsertTextFromFile_Click(CommandContext& ctx);
+void mnuSetDefaultDir_Click(CommandContext& ctx);
+void mnuWebsites_Click(CommandContext& ctx);
+
+} // namespace ed

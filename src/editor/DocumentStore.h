@@ -1,0 +1,44 @@
+#pragma once
+// Loading and saving the document in the edit control, as text or RTF, keeping the file's own
+// encoding and line-break style. Writes are atomic: a failed save leaves the old file whole.
+
+#include "app/Command.h"
+#include "editor/DocumentIO.h"
+
+class QTextDocument;
+
+namespace ed {
+
+class PlainTextEditControl;
+
+// Over any edit control; RTF is read as its text and written from the plain text.
+class TextDocumentFiles : public DocumentFiles {
+public:
+    explicit TextDocumentFiles(EditControl& edit) : edit_(edit) {}
+    bool load(const QString& path, bool rtf, QString& error) override;
+    bool save(const QString& path, bool rtf, QString& error) override;
+    void reset() override { format_ = LoadedDocument(); }
+    const TextFormat& format() const { return format_.format; }
+
+protected:
+    virtual bool loadRtf(const QByteArray& bytes, QString& error);
+    virtual QByteArray saveRtf();
+
+    EditControl& edit_;
+    LoadedDocument format_;
+};
+
+// Over the window's edit control: RTF keeps its fonts and colours.
+class WidgetDocumentFiles : public TextDocumentFiles {
+public:
+    explicit WidgetDocumentFiles(PlainTextEditControl& edit);
+
+protected:
+    bool loadRtf(const QByteArray& bytes, QString& error) override;
+    QByteArray saveRtf() override;
+
+private:
+    PlainTextEditControl& widgetEdit_;
+};
+
+} // namespace ed

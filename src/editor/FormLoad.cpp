@@ -1,0 +1,61 @@
+#include "editor/FormLoad.h"
+
+#include "app/Trap.h"
+#include "editor/DocumentCommands.h"
+#include "editor/LinkMenu.h"
+#include "editor/Placement.h"
+#include "editor/ViewCommands.h"
+#include "util/Utility.h"
+
+#include <QFileInfo>
+
+namespace ed {
+
+void Form_Load(CommandContext& ctx, QString commandLine) {
+    QString searchText;
+    bool search = false;
+    trapped(ctx.log, "frmEdit", QStringLiteral("Form_Load"), [&] {
+        GetLnksFromRegistry(ctx);
+        if (!commandLine.isEmpty()) {
+            if (commandLine.contains(u'~')) {
+                const QStringList pieces = commandLine.split(u'~');
+                commandLine = pieces[0];
+                searchText = pieces.value(1).trimmed();
+                search = !searchText.isEmpty();
+            }
+            // A relative name is taken from the folder the program was started in.
+            const QString path = QFileInfo(commandLine).absoluteFilePath();
+            adoptFileName(ctx, path);
+            PutLinkOnMenu(ctx, path);
+            LoadNewFile(ctx, path);
+        } else {
+            ctx.form.LastDir = ctx.settings.get(QStringLiteral("frmEdit"), QStringLiteral("Last Dir"),
+                                                QString());
+            if (ctx.form.LastDir.isEmpty())
+                ctx.form.LastDir = ctx.startUp.programFolder + u'/';
+            ctx.form.FileName = GetNewFile(ctx);
+            ctx.window.setCaption(ctx.form.FileName);
+        }
+        ctx.form.RightMargin = settingToBool(
+            ctx.settings.get(QStringLiteral("frmEdit"), QStringLiteral("Right Margin"),
+                             QStringLiteral("0")));
+        if (ctx.form.RightMargin)
+            ctx.run(QStringLiteral("mnuNoWrap"));
+        SetFont(ctx);
+        if (ctx.geometry)
+            Placement(ctx.settings, ctx.log).AlignFF(*ctx.geometry, 0, 0, 5000, 4000, true, true);
+        ctx.window.showWindow();
+        ctx.run(QStringLiteral("mnuKeepOnTop"));
+        if (search && ctx.searchQuietly)
+            ctx.searchQuietly(searchText);
+    });
+}
+
+void Form_Unload(CommandContext& ctx) {
+    trapped(ctx.log, "frmEdit", QStringLiteral("Form_Unload"), [&] {
+        if (ctx.geometry)
+            Placement(ctx.settings, ctx.log).SaveFF(*ctx.geometry);
+    });
+}
+
+} // namespace ed

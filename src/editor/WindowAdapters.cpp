@@ -1,0 +1,115 @@
+#include "editor/WindowAdapters.h"
+
+#include <QFileDialog>
+#include <QFontDialog>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+namespace ed {
+
+namespace {
+constexpr int kTwips = 15;
+
+FileDialogResult runFileDialog(QWidget* parent, const FileDialogRequest& r, bool save) {
+    QFileDialog dlg(parent, r.title);
+    dlg.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dlg.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    const QStringList filters = toQtFilters(r.filter);
+    dlg.setNameFilters(filters);
+    if (r.filterIndex >= 1 && r.filterIndex <= filters.size())
+        dlg.selectNameFilter(filters[r.filterIndex - 1]);
+    if (!r.initialDir.isEmpty())
+        dlg.setDirectory(r.initialDir);
+    if (!r.fileName.isEmpty())
+        dlg.selectFile(r.fileName);
+    FileDialogResult result;
+    if (dlg.exec() != QDialog::Accepted || dlg.selectedFiles().isEmpty())
+        return result;
+    result.fileName = dlg.selectedFiles().first();
+    result.filterIndex = int(filters.indexOf(dlg.selectedNameFilter())) + 1;
+    return result;
+}
+} // namespace
+
+QStringList toQtFilters(const QString& filter) {
+    const QStringList parts = filter.split(u'|');
+    QStringList out;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString label = parts[i];
+        const QString pattern = parts[i + 1];
+        if (label.endsWith(pattern))
+            label.chop(pattern.size());
+        out << label.trimmed() + QStringLiteral(" (") + QString(pattern).replace(u';', u' ') + u')';
+    }
+    return out;
+}
+
+FileDialogResult QtFileDialogs::showOpen(const FileDialogRequest& r) {
+    return runFileDialog(parent_, r, false);
+}
+
+FileDialogResult QtFileDialogs::showSave(const FileDialogRequest& r) {
+    return runFileDialog(parent_, r, true);
+}
+
+FontSpec QtFileDialogs::showFont(const FontSpec& current) {
+    QFont f(current.name);
+    if (current.size > 0)
+        f.setPointSizeF(current.size);
+    f.setBold(current.bold);
+    f.setItalic(current.italic);
+    bool ok = false;
+    // A cancelled dialog gives back the font it started with.
+    const QFont chosen = QFontDialog::getFont(&ok, f, parent_);
+    FontSpec s;
+    s.name = chosen.family();
+    s.size = chosen.pointSizeF();
+    s.bold = chosen.bold();
+    s.italic = chosen.italic();
+    return s;
+}
+
+QString QtFileDialogs::showFolder(const QString& title, const QString& initialDir) {
+    return QFileDialog::getExistingDirectory(parent_, title, initialDir);
+}
+
+QString WidgetGeometry::formName() const { return window_->objectName(); }
+int WidgetGeometry::width() const { return window_->width() * kTwips; }
+int WidgetGeometry::height() const { return window_->height() * kTwips; }
+int WidgetGeometry::left() const { return window_->x() * kTwips; }
+int WidgetGeometry::top() const { return window_->y() * kTwips; }
+
+int WidgetGeometry::screenWidth() const {
+    const QScreen* s = window_->screen() ? window_->screen() : QGuiApplication::primaryScreen();
+    return s ? s->availableGeometry().width() * kTwips : 1024 * kTwips;
+}
+
+int WidgetGeometry::screenHeight() const {
+    const QScreen* s = window_->screen() ? window_->screen() : QGuiApplication::primaryScreen();
+    return s ? s->availableGeometry().height() * kTwips : 768 * kTwips;
+}
+
+bool WidgetGeometry::isMinimized() const { return window_->isMinimized(); }
+
+void WidgetGeometry::setGeometry(int left, int top, int width, int height) {
+    window_->resize(width / kTwips, height / kTwips);
+    window_->move(left / kTwips, top / kTwips);
+}
+
+void WidgetGeometry::maximize() { window_->showMaximized(); }
+
+void WidgetGeometry::setTopmost(bool topmost, int x, int y, int cx, int cy) {
+    const bool visible = window_->isVisible();
+    window_->setWindowFlag(Qt::WindowStaysOnTopHint, topmost);
+    window_->resize(cx, cy);
+    window_->move(x, y);
+    // Changing the flags hides the window; show it again without taking the focus.
+    if (visible) {
+        window_->setAttribute(Qt::WA_ShowWithoutActivating, true);
+        window_->show();
+        window_->setAttribute(Qt::WA_ShowWithoutActivating, false);
+    }
+}
+
+} // namespace ed
