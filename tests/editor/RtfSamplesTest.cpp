@@ -1,0 +1,103 @@
+// Files written by a common word processor read to the text that word processor itself reads
+// from them (the .txt beside each .rtf), and keep their character formatting.
+
+#include "editor/RtfReader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+
+namespace {
+
+QString samplePath(const QString& name) {
+    return QFileInfo(QString::fromUtf8(__FILE__))
+        .dir()
+        .filePath(QStringLiteral("RtfSamples/") + name);
+}
+
+QByteArray readSample(const QString& name) {
+    QFile f(samplePath(name));
+    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << samplePath(name).toStdString();
+    return f.readAll();
+}
+
+// The words of a text in order. Normalised away: the byte-order mark, and every run of white
+// space (spaces, tabs, no-break spaces, line breaks), since list bullets and table cells are
+// laid out with tabs by this reader and with spaces and line breaks in the reference.
+QStringList words(QString text) {
+    if (text.startsWith(QChar(0xFEFF)))
+        text.remove(0, 1);
+    static const QRegularExpression space(QStringLiteral("[\\s\\x{00A0}]+"));
+    return text.split(space, Qt::SkipEmptyParts);
+}
+
+class RtfSampleTest : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(RtfSampleTest, ReadsTheSameWordsAsTheReference) {
+    const QString base = QString::fromLatin1(GetParam());
+    const QByteArray rtf = readSample(base + ".rtf");
+    const QString reference = QString::fromUtf8(readSample(base + ".txt"));
+    ASSERT_FALSE(reference.isEmpty());
+    QString error;
+    const RtfContent content = parseRtf(rtf, &error);
+    EXPECT_TRUE(error.isEmpty()) << error.toStdString();
+    EXPECT_EQ(words(content.plainText()), words(reference));
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, RtfSampleTest, ::testing::Values("writer-plain", "writer-mixed"));
+
+const RtfRun* findRun(const RtfContent& content, const QString& text) {
+    for (const RtfParagraph& p : content.paragraphs)
+        for (const RtfRun& r : p.runs)
+            if (r.text.contains(text))
+                return &r;
+    return nullptr;
+}
+
+TEST(RtfSample, KeepsCharacterFormats) {
+    const RtfContent content = parseRtf(readSample("writer-mixed.rtf"));
+    struct Expect {
+        const char* text;
+        const char* family;
+        double size;
+        bool bold, italic, underline;
+        std::optional<quint32> color;
+    };
+    const Expect cases[] = {
+        {"Plain paragraph", "Liberation Serif", 12, false, false, false, {}},
+        {"bold", "Liberation Serif", 12, true, false, false, {}},
+        {"italic", "Liberation Serif", 12, false, true, false, {}},
+        {"underlined", "Liberation Serif", 12, false, false, true, {}},
+        {"red", "Liberation Serif", 12, false, false, false, 0xC00000},
+        {"Accents", "Liberation Mono", 10, false, false, false, {}},
+        {"Big bold italic heading", "Liberation Serif", 20, true, true, false, {}},
+    };
+    for (const Expect& e : cases) {
+        SCOPED_TRACE(e.text);
+        const RtfRun* run = findRun(content, QString::fromUtf8(e.text));
+        ASSERT_NE(run, nullptr);
+        EXPECT_EQ(run->format.family, QString::fromUtf8(e.family));
+        EXPECT_EQ(run->format.pointSize, e.size);
+        EXPECT_EQ(run->format.bold, e.bold);
+        EXPECT_EQ(run->format.italic, e.italic);
+        EXPECT_EQ(run->format.underline, e.underline);
+        EXPECT_EQ(run->format.color, e.color);
+    }
+}
+
+TEST(RtfSample, KeepsParagraphsAndLineBreaks) {
+    const QString text = rtfToPlainText(readSample("writer-mixed.rtf"));
+    EXPECT_TRUE(text.contains(QStringLiteral("Line one\r\nline two after a line break\r\ntab")));
+    EXPECT_TRUE(text.contains(QString::fromUtf8("emoji 😀.")));
+    EXPECT_TRUE(text.contains(QString::fromUtf8("\u2022\tfirst item\r\n")));
+    EXPECT_TRUE(text.contains(QStringLiteral("cell A\tcell B")));
+    EXPECT_EQ(rtfToPlainText(readSample("writer-plain.rtf")),
+              QString::fromUtf8("Just plain text\r\nsecond line with café"));
+}
+
+} // namespace
