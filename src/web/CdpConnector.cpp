@@ -6,7 +6,7 @@
 namespace ed::web {
 
 CdpConnector::CdpConnector(const QString& endpointSetting, CdpOptions options)
-    : setting_(endpointSetting), endpoint_(parseEndpoint(endpointSetting, &problem_)),
+    : setting_(endpointSetting), problem_(), endpoint_(parseEndpoint(endpointSetting, &problem_)),
       options_(options) {}
 
 QString CdpConnector::endpointText() const {

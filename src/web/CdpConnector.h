@@ -23,8 +23,8 @@ public:
 
 private:
     QString setting_;
+    QString problem_; // filled while endpoint_ is parsed
     std::optional<Endpoint> endpoint_;
-    QString problem_;
     CdpOptions options_;
 };
 

@@ -17,7 +17,6 @@
 
 namespace ed::web {
 
-
 class CdpPage : public BrowserPage {
 public:
     // Connects to `window` and subscribes to its events; throws RuntimeError on failure.

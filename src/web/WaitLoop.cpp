@@ -7,7 +7,7 @@
 
 namespace ed::web {
 
-bool waitUntil(const std::function<bool()>& done, int capMs) {
+bool waitUntil(const std::function<bool()>& done, int capMs, int pollMs) {
     if (done())
         return true;
     const QDeadlineTimer deadline(capMs);
@@ -16,6 +16,9 @@ bool waitUntil(const std::function<bool()>& done, int capMs) {
     wake.setSingleShot(true);
     wake.setTimerType(Qt::PreciseTimer);
     wake.start(capMs);
+    QTimer poll;
+    if (pollMs > 0)
+        poll.start(pollMs);
     while (!done()) {
         if (deadline.hasExpired())
             return false;

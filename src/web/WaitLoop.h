@@ -8,7 +8,8 @@
 namespace ed::web {
 
 // Runs the event loop until `done()` is true (true) or `capMs` milliseconds passed (false).
-// `done` is checked after every batch of events.
-bool waitUntil(const std::function<bool()>& done, int capMs);
+// `done` is checked after every batch of events, and every `pollMs` when that is not 0 (for
+// conditions that no event announces).
+bool waitUntil(const std::function<bool()>& done, int capMs, int pollMs = 0);
 
 } // namespace ed::web

@@ -1,0 +1,165 @@
+#include "FakeBrowser.h"
+
+#include "app/Trap.h"
+
+#include <QTimer>
+
+namespace ed::test {
+
+namespace {
+[[noreturn]] void fail(const QString& message) {
+    throw RuntimeError(message.toStdString());
+}
+} // namespace
+
+void FakePage::check() const {
+    if (w_->failEverything || !w_->connected)
+        fail(QStringLiteral("The browser closed the connection."));
+}
+
+web::BrowserHandle FakePage::handle() const {
+    return {w_->mainFrameId, w_->title, w_->url,
+            QStringLiteral("ws://127.0.0.1:9222/devtools/page/") + w_->mainFrameId};
+}
+
+void FakePage::navigate(const QString& url) {
+    check();
+    w_->navigations << url;
+    w_->url = url;
+    int delay = w_->completeDelayMs;
+    for (const QString& frameId : w_->completeOnNavigate) {
+        std::weak_ptr<FakeBrowserWindow> weak = w_;
+        QTimer::singleShot(delay, [weak, frameId] {
+            if (auto window = weak.lock())
+                fireDocumentComplete(*window, frameId);
+        });
+        delay += w_->completeDelayMs;
+    }
+}
+
+void FakePage::stopLoading() {
+    check();
+    ++w_->stops;
+}
+
+void FakePage::setWindowEdge(Edge edge, int pixels) {
+    check();
+    w_->edges.emplace_back(edge, pixels);
+}
+
+int FakePage::frameCount() {
+    check();
+    return int(w_->frames.size());
+}
+
+web::DocumentRef FakePage::topDocument() {
+    return {w_->mainFrameId};
+}
+
+web::DocumentRef FakePage::frameDocument(int index) {
+    check();
+    if (index < 0 || index >= int(w_->frames.size()))
+        fail(QStringLiteral("The page has no frame %1.").arg(index));
+    if (w_->frames[size_t(index)].unreadable)
+        fail(QStringLiteral("Access is denied."));
+    return {QStringLiteral("frame%1").arg(index)};
+}
+
+const FakeDocument& FakePage::document(const web::DocumentRef& ref) const {
+    check();
+    if (ref.frameId == w_->mainFrameId)
+        return w_->top;
+    for (size_t i = 0; i < w_->frames.size(); ++i) {
+        if (ref.frameId == QStringLiteral("frame%1").arg(i))
+            return w_->frames[i];
+    }
+    fail(QStringLiteral("No document %1.").arg(ref.frameId));
+}
+
+QString FakePage::documentHtml(const web::DocumentRef& ref) {
+    return document(ref).html;
+}
+QString FakePage::documentText(const web::DocumentRef& ref) {
+    return document(ref).text;
+}
+QStringList FakePage::documentLinks(const web::DocumentRef& ref) {
+    return document(ref).links;
+}
+
+QString FakePage::locationUrl() {
+    check();
+    return w_->url;
+}
+
+QString FakePage::locationName() {
+    check();
+    return w_->title.isEmpty() ? w_->url : w_->title;
+}
+
+QString FakePage::selectionText() {
+    check();
+    return w_->selection;
+}
+
+QByteArray FakePage::savedPage(bool archive) {
+    check();
+    return archive ? w_->archive : w_->top.html.toUtf8();
+}
+
+void fireDocumentComplete(FakeBrowserWindow& window, const QString& frameId) {
+    QString url = window.url;
+    if (window.events.documentComplete)
+        window.events.documentComplete({frameId}, url);
+}
+
+void fireLostConnection(FakeBrowserWindow& window, const QString& reason) {
+    window.connected = false;
+    if (window.events.windowClosing)
+        window.events.windowClosing();
+    if (window.events.connectionLost)
+        window.events.connectionLost(reason);
+}
+
+web::Endpoint FakeConnector::endpoint() const {
+    QString error;
+    const auto endpoint = web::parseEndpoint(endpointSetting, &error);
+    if (!endpoint)
+        fail(error);
+    return *endpoint;
+}
+
+web::BrowserHandle FakeConnector::firstPage() {
+    ++firstPageCalls;
+    endpoint();
+    if (!browserOpen)
+        return {};
+    return FakePage(window).handle();
+}
+
+std::unique_ptr<web::BrowserPage> FakeConnector::attach(const web::BrowserHandle&) {
+    endpoint();
+    if (!browserOpen)
+        fail(QStringLiteral("Could not connect to the browser."));
+    ++window->attachCount;
+    window->connected = true;
+    return std::make_unique<FakePage>(window);
+}
+
+FakeBrowserPort::FakeBrowserPort(Logger& log, Clipboard& clipboard, Launcher& launcher)
+    : log_(log), clipboard_(clipboard), launcher_(launcher) {}
+
+web::BrowserServices FakeBrowserPort::services() {
+    web::BrowserServices s(log_, clipboard_, launcher_, connector);
+    s.browserCandidates = {};
+    s.navigateWaitMs = 2000;
+    s.launchWaitMs = 500;
+    s.launchPollMs = 20;
+    return s;
+}
+
+std::unique_ptr<web::cIEObject> FakeBrowserPort::createSession() {
+    ++sessionsCreated;
+    return std::make_unique<web::cIEObject>(services());
+}
+
+} // namespace ed::test

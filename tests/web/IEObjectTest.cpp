@@ -1,0 +1,513 @@
+// The session object's own logic over a scripted browser: attaching, where addresses go, the
+// wait, events, frames and links with their rules, errors reported with their labels.
+
+#include "FakeBrowser.h"
+#include "support/Fakes.h"
+#include "web/cIEObject.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::web;
+using ed::test::FakeBrowserPort;
+using ed::test::FakeDocument;
+
+namespace {
+
+struct Session {
+    test::RecordingLogger log;
+    MemoryClipboard clipboard;
+    test::FakeLauncher launcher;
+    FakeBrowserPort port{log, clipboard, launcher};
+    test::FakeBrowserWindow& window = *port.connector->window;
+    std::unique_ptr<cIEObject> ie;
+
+    explicit Session(bool attach = true) {
+        ie = std::make_unique<cIEObject>(services());
+        if (attach) {
+            EXPECT_TRUE(ie->InitializeObject(ie->GetActiveBrowser(false)));
+        }
+    }
+    BrowserServices services() { return port.services(); }
+    QStringList labels() const {
+        QStringList out;
+        for (const auto& e : log.errors)
+            out << e.module + u'|' + e.location;
+        return out;
+    }
+};
+
+FakeDocument doc(const QString& html, QStringList links = {}) {
+    return {html, QStringLiteral("text of ") + html, std::move(links), false};
+}
+
+TEST(IEObject, WithoutABrowserEverythingIsAQuietNoOp) {
+    Session s(false);
+    s.port.connector->browserOpen = false;
+    EXPECT_TRUE(s.ie->GetActiveBrowser(false).isEmpty());
+    EXPECT_FALSE(s.ie->InitializeObject());
+    EXPECT_FALSE(s.ie->Initialized());
+    s.ie->NavigateToUrl("joe@example.com", true);
+    s.ie->NavigateToUrl("example.com", true);
+    s.ie->IETop(5);
+    s.ie->IEStop();
+    s.ie->SaveWebPage();
+    EXPECT_EQ(s.ie->FrameCount(), 0);
+    EXPECT_TRUE(s.ie->GetFrame(0).isEmpty());
+    EXPECT_EQ(s.ie->GetBrowserHTML(), "");
+    EXPECT_EQ(s.ie->GetHTMLFromAllFrames(), "");
+    EXPECT_TRUE(s.ie->GetLinksOnWebPage().isEmpty());
+    EXPECT_TRUE(s.ie->GetLinksOnAllFrames(false).isEmpty());
+    EXPECT_EQ(s.ie->GetSiteTitle(true), "");
+    EXPECT_TRUE(s.ie->Get_HtmlTag_Content("<b>", "</b>", "").isEmpty());
+    EXPECT_EQ(s.ie->Get_HtmlTag_Content("<b>", "</b>", "<b>x</b>"), QStringList{">x"});
+    s.clipboard.setText("before");
+    EXPECT_EQ(s.ie->CopySelection(), "");
+    EXPECT_TRUE(s.launcher.opened.isEmpty());
+    EXPECT_TRUE(s.log.errors.empty());
+    EXPECT_EQ(s.window.attachCount, 0);
+}
+
+TEST(IEObject, InitializeAttachesToTheActiveBrowserWhenGivenNone) {
+    Session s(false);
+    EXPECT_TRUE(s.ie->InitializeObject());
+    EXPECT_TRUE(s.ie->Initialized());
+    EXPECT_EQ(s.ie->browser().targetId, "main");
+    // A later attach that finds nothing leaves the flag set; calls then fail and are logged.
+    s.port.connector->browserOpen = false;
+    EXPECT_TRUE(s.ie->InitializeObject());
+    EXPECT_EQ(s.ie->GetSiteUrl(), "");
+    EXPECT_EQ(s.labels(), QStringList{"cIEObject|Function GetSiteUrl"});
+}
+
+TEST(IEObject, AddressesGoToTheBrowserOrTheMailProgram) {
+    Session s;
+    s.window.completeOnNavigate = {};
+    s.ie->NavigateToUrl("www.example.com", false);
+    s.ie->NavigateToUrl("FTP://files.example.com/a", false);
+    s.ie->NavigateToUrl("mailto:joe@example.com", false);
+    s.ie->NavigateToUrl("joe@example.com", true);
+    s.ie->NavigateToUrl("example.com/people/@joe", false);
+    EXPECT_EQ(s.window.navigations,
+              (QStringList{"http://www.example.com", "FTP://files.example.com/a",
+                           "mailto:joe@example.com"}));
+    EXPECT_EQ(s.launcher.opened, (QStringList{"mailto:joe@example.com?Subject=Hello",
+                                              "mailto:example.com/people/@joe?Subject=Hello"}));
+    EXPECT_TRUE(s.launcher.started.empty());
+    EXPECT_TRUE(s.log.errors.empty());
+}
+
+TEST(IEObject, AnAddressReachesTheMailProgramAsOneText) {
+    Session s;
+    const QString nasty = QStringLiteral("a;b$(touch x)'q\"@example.com");
+    s.ie->NavigateToUrl(nasty, false);
+    ASSERT_EQ(s.launcher.opened.size(), 1);
+    EXPECT_EQ(s.launcher.opened[0], "mailto:" + nasty + "?Subject=Hello");
+}
+
+TEST(IEObject, AMailProgramThatCannotBeOpenedIsLogged) {
+    Session s;
+    s.launcher.result = false;
+    s.ie->NavigateToUrl("joe@example.com", false);
+    EXPECT_EQ(s.labels(), QStringList{"cIEObject|Sub NavigateToUrl"});
+}
+
+TEST(IEObject, WaitEndsWhenTheTopDocumentIsCompleteFirst) {
+    Session s;
+    QStringList completed;
+    QObject::connect(
+        s.ie.get(), &cIEObject::DocumentComplete,
+        [&](const DocumentRef& d, QString& url) { completed << d.frameId + u' ' + url; });
+    QElapsedTimer clock;
+    clock.start();
+    s.ie->NavigateToUrl("example.com", true);
+    EXPECT_LT(clock.elapsed(), 1000);
+    EXPECT_EQ(completed, QStringList{"main http://example.com"});
+}
+
+TEST(IEObject, AFrameCompletingFirstLeavesTheWaitToTheCap) {
+    Session s;
+    BrowserServices services = s.services();
+    services.navigateWaitMs = 400;
+    cIEObject ie(services);
+    ASSERT_TRUE(ie.InitializeObject());
+    s.window.completeOnNavigate = {"frame0", "main"};
+    int events = 0;
+    QObject::connect(&ie, &cIEObject::DocumentComplete, [&] { ++events; });
+    QElapsedTimer clock;
+    clock.start();
+    ie.NavigateToUrl("example.com", true);
+    EXPECT_GE(clock.elapsed(), 390);
+    EXPECT_EQ(events, 2);
+    EXPECT_TRUE(s.log.errors.empty());
+}
+
+TEST(IEObject, CancelWaitFromAHandlerEndsTheWait) {
+    Session s;
+    s.window.completeOnNavigate = {"frame0", "frame1", "main"};
+    QObject::connect(s.ie.get(), &cIEObject::DocumentComplete, [&](const DocumentRef& d, QString&) {
+        if (d.frameId == s.ie->browser().targetId)
+            s.ie->CancelWait();
+    });
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+    timer.start(1);
+    QElapsedTimer clock;
+    clock.start();
+    s.ie->NavigateToUrl("example.com", true);
+    EXPECT_LT(clock.elapsed(), 1500);
+    EXPECT_GT(ticks, 0) << "the event loop ran while waiting";
+}
+
+TEST(IEObject, ABrowserLostWhileWaitingEndsTheWaitAndIsLogged) {
+    Session s;
+    s.window.completeOnNavigate = {};
+    int closing = 0;
+    QObject::connect(s.ie.get(), &cIEObject::WindowClosing, [&] { ++closing; });
+    QTimer::singleShot(50, [&] { test::fireLostConnection(s.window, "browser killed"); });
+    QElapsedTimer clock;
+    clock.start();
+    s.ie->NavigateToUrl("example.com", true);
+    EXPECT_LT(clock.elapsed(), 1500);
+    EXPECT_EQ(closing, 1);
+    ASSERT_EQ(s.labels(), QStringList{"cIEObject|Sub NavigateToUrl"});
+    EXPECT_TRUE(s.log.errors[0].detail.contains("browser killed"));
+    // Every later call fails the same way, and is logged, not raised.
+    s.ie->IEWidth(100);
+    EXPECT_EQ(s.labels().last(), "cIEObject|Sub IEWidth");
+}
+
+TEST(IEObject, NewWindowsCanBeCancelled) {
+    Session s;
+    QObject::connect(s.ie.get(), &cIEObject::NewWindow2,
+                     [&](BrowserHandle& w, bool& cancel) { cancel = w.url.contains("ads"); });
+    for (const char* url : {"http://ads.example.com/", "http://example.com/help"}) {
+        BrowserHandle w{"T", "", QString::fromUtf8(url), ""};
+        bool cancel = false;
+        s.window.events.newWindow(w, cancel);
+        EXPECT_EQ(cancel, QString::fromUtf8(url).contains("ads"));
+    }
+}
+
+TEST(IEObject, WindowEdgesAndStopGoToTheBrowser) {
+    Session s;
+    s.ie->IETop(10);
+    s.ie->IELeft(20);
+    s.ie->IEWidth(640);
+    s.ie->IEHeight(480);
+    s.ie->IEStop();
+    using E = BrowserPage::Edge;
+    const std::vector<std::pair<E, int>> expected{
+        {E::Top, 10}, {E::Left, 20}, {E::Width, 640}, {E::Height, 480}};
+    EXPECT_EQ(s.window.edges, expected);
+    EXPECT_EQ(s.window.stops, 1);
+}
+
+TEST(IEObject, FramesAreCountedFromMinusOne) {
+    struct Case {
+        int frames;
+        int count;
+        QString allHtml;
+        std::vector<bool> served; // GetFrame(i) not empty
+    } cases[] = {
+        {0, -1, "TOP", {false}},
+        {1, 0, "TOP", {false, false}},
+        {2, 1, "F0F1", {true, false}},
+        {3, 2, "F0F1F2", {true, true, false}},
+    };
+    for (const Case& c : cases) {
+        Session s;
+        s.window.top = doc("TOP");
+        for (int i = 0; i < c.frames; ++i)
+            s.window.frames.push_back(doc(QStringLiteral("F%1").arg(i)));
+        EXPECT_EQ(s.ie->FrameCount(), c.count);
+        EXPECT_EQ(s.ie->GetHTMLFromAllFrames(), c.allHtml);
+        QString allText = c.allHtml;
+        allText.replace("F", "text of F").replace("TOP", "text of TOP");
+        EXPECT_EQ(s.ie->GetTextFromAllFrames(), allText);
+        for (size_t i = 0; i < c.served.size(); ++i) {
+            const DocumentRef frame = s.ie->GetFrame(int(i));
+            EXPECT_EQ(!frame.isEmpty(), c.served[i]) << c.frames << " frames, index " << i;
+            if (!frame.isEmpty()) {
+                EXPECT_EQ(s.ie->GetBrowserHTML(frame), QStringLiteral("F%1").arg(i));
+            }
+        }
+        EXPECT_EQ(s.ie->GetBrowserHTML(), "TOP");
+        EXPECT_TRUE(s.log.errors.empty());
+    }
+}
+
+TEST(IEObject, LinksOfAllFramesOverwriteEachOther) {
+    struct Case {
+        std::vector<QStringList> frames;
+        bool topOnly;
+        int unreadable; // index of a frame that cannot be read, or -1
+        QStringList expected;
+        int errors;
+    } cases[] = {
+        {{}, false, -1, {"t1", "t2"}, 0},
+        {{{"a"}}, false, -1, {"t1", "t2"}, 0},
+        {{{"a", "b", "c"}, {"d"}}, false, -1, {"d"}, 0},
+        {{{"a", "b"}, {"c"}, {}}, false, -1, {"c"}, 0},
+        {{{"a", "b"}, {"c", "d", "e"}}, true, -1, {"t1", "t2"}, 0},
+        {{{"a", "b", "c"}, {"d"}, {"e"}}, false, 1, {"t1", "t2"}, 1},
+    };
+    for (const Case& c : cases) {
+        Session s;
+        s.window.top = doc("TOP", {"t1", "t2"});
+        for (size_t i = 0; i < c.frames.size(); ++i) {
+            s.window.frames.push_back(doc("F", c.frames[i]));
+            s.window.frames.back().unreadable = int(i) == c.unreadable;
+        }
+        EXPECT_EQ(s.ie->GetLinksOnAllFrames(c.topOnly), c.expected);
+        EXPECT_EQ(int(s.log.errors.size()), c.errors);
+        if (c.errors) {
+            EXPECT_EQ(s.labels()[0], "cIEObject|Function GetLinksOnAllFrames");
+        }
+    }
+}
+
+TEST(IEObject, WebLinksKeepTheirIndex) {
+    struct Case {
+        QStringList links;
+        QStringList expected;
+    } cases[] = {
+        {{"http://a.com/", "mailto:joe@example.com", "https://b.com/"},
+         {"http://a.com/", "", "https://b.com/"}},
+        {{"http://a.com/", "mailto:joe@example.com", "javascript:void(0)"}, {"http://a.com/"}},
+        {{"mailto:joe@example.com", "ftp://f.example.com/x"}, {"", "ftp://f.example.com/x"}},
+        {{}, {""}},
+        {{"mailto:joe@example.com"}, {""}},
+    };
+    for (const Case& c : cases) {
+        Session s;
+        s.window.top = doc("TOP", c.links);
+        EXPECT_EQ(s.ie->GetLinksOnWebPage(), c.expected);
+    }
+}
+
+TEST(IEObject, TitleAddressAndTagContent) {
+    Session s;
+    s.window.top = doc("<head><title>Home</title></head><body><i>one</i></body>");
+    s.window.url = "http://example.com/home";
+    EXPECT_EQ(s.ie->GetSiteTitle(true), ">Home");
+    EXPECT_EQ(s.ie->GetSiteTitle(false), "Example");
+    s.window.title.clear();
+    EXPECT_EQ(s.ie->GetSiteTitle(false), "http://example.com/home");
+    EXPECT_EQ(s.ie->GetSiteUrl(), "http://example.com/home");
+    EXPECT_EQ(s.ie->Get_HtmlTag_Content("<i>", "</i>", ""), QStringList{">one"});
+    EXPECT_EQ(s.ie->Get_HtmlTag_Content("<b>", "</b>", "<b>x"), QStringList{""});
+    EXPECT_TRUE(s.log.errors.empty());
+
+    s.window.top = doc("<b>hi</b>"); // shorter than 10 characters: no list at all
+    EXPECT_TRUE(s.ie->Get_HtmlTag_Content("<b>", "</b>", "").isEmpty());
+    EXPECT_EQ(s.ie->GetSiteTitle(true), "");
+    EXPECT_EQ(s.labels(), QStringList{"cIEObject|Function GetSiteTitle"});
+}
+
+TEST(IEObject, CopySelectionGoesThroughTheClipboard) {
+    Session s;
+    s.clipboard.setText("held before");
+    s.window.selection = "";
+    EXPECT_EQ(s.ie->CopySelection(), "held before");
+    s.window.selection = "picked";
+    EXPECT_EQ(s.ie->CopySelection(), "picked");
+    EXPECT_EQ(s.clipboard.text(), "picked");
+}
+
+TEST(IEObject, FailingCallsAreLoggedWithTheirLabels) {
+    Session s;
+    s.window.failEverything = true;
+    s.ie->NavigateToUrl("example.com", false);
+    s.ie->IEStop();
+    s.ie->IETop(1);
+    s.ie->IEHeight(1);
+    s.ie->IELeft(1);
+    EXPECT_EQ(s.ie->FrameCount(), 0);
+    EXPECT_EQ(s.ie->GetHTMLFromAllFrames(), "");
+    EXPECT_EQ(s.ie->GetTextFromAllFrames(), "");
+    EXPECT_TRUE(s.ie->GetLinksOnWebPage().isEmpty());
+    EXPECT_EQ(s.ie->GetBrowserText(), "");
+    EXPECT_EQ(s.ie->CopySelection(), "");
+    const QStringList expected{"cIEObject|Sub NavigateToUrl",
+                               "cIEObject|Sub IEStop",
+                               "cIEObject|Sub IETop",
+                               "cIEObject|Sub IEHeight",
+                               "cIEObject|Sub IELeft",
+                               "cIEObject|Function FrameCount",
+                               "cIEObject|Function FrameCount",
+                               "cIEObject|Function GetHTMLFromAllFrames",
+                               "cIEObject|Function FrameCount",
+                               "cIEObject|Function GetTextFromAllFrames",
+                               "cIEObject|Function GetLinksOnWebPage",
+                               "cIEObject|Function GetBrowserText",
+                               "cIEObject|Function CopySelection"};
+    EXPECT_EQ(s.labels(), expected);
+}
+
+TEST(IEObject, BrowserPathIsTheSetPathThenTheSettingThenTheFirstThatExists) {
+    const QString dir = test::makeTempDir();
+    const QString second = dir + "/chrome";
+    const QString third = dir + "/edge";
+    for (const QString& f : {second, third}) {
+        QFile file(f);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    QDir().mkpath(dir + "/adir");
+    Session s(false);
+    BrowserServices services = s.services();
+    services.browserCandidates = {dir + "/missing", dir + "/adir", second, third};
+    {
+        cIEObject ie(services);
+        EXPECT_EQ(ie.InternetExplorerPath(), second);
+        ie.setInternetExplorerPath("/no/such/browser");
+        EXPECT_EQ(ie.InternetExplorerPath(), "/no/such/browser");
+    }
+    services.browserPath = "/opt/chromium/chrome";
+    EXPECT_EQ(cIEObject(services).InternetExplorerPath(), "/opt/chromium/chrome");
+    services.browserPath.clear();
+    services.browserCandidates = {dir + "/missing"};
+    EXPECT_EQ(cIEObject(services).InternetExplorerPath(), "");
+}
+
+TEST(IEObject, LaunchStartsTheBrowserWithItsOwnProfileAndWaitsForIt) {
+    Session s(false);
+    s.port.connector->browserOpen = false;
+    BrowserServices services = s.services();
+    services.browserPath = "/usr/bin/chromium";
+    services.profileDir = test::makeTempDir() + "/profile";
+    services.launchWaitMs = 2000;
+    cIEObject ie(services);
+    // The browser answers on the third look after it was started.
+    int looksAfterStart = 0;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (!s.launcher.started.empty() && ++looksAfterStart >= 3)
+            s.port.connector->browserOpen = true;
+    });
+    poll.start(10);
+    const BrowserHandle found = ie.GetActiveBrowser(true);
+    EXPECT_FALSE(found.isEmpty());
+    ASSERT_EQ(s.launcher.started.size(), 1u);
+    EXPECT_EQ(s.launcher.started[0].program, "/usr/bin/chromium");
+    EXPECT_EQ(s.launcher.started[0].arguments,
+              (QStringList{"--remote-debugging-port=9222", "--user-data-dir=" + services.profileDir,
+                           "--no-first-run", "--disable-background-networking",
+                           "--disable-component-update", "--disable-sync"}));
+    EXPECT_TRUE(QDir(services.profileDir).exists());
+    EXPECT_TRUE(s.log.errors.empty());
+}
+
+TEST(IEObject, LaunchFailuresAreLogged) {
+    struct Case {
+        QString path;
+        bool starts;
+        const char* detail;
+    } cases[] = {
+        {"", true, "Browser Path"},
+        {"/usr/bin/chromium", false, "could not be started"},
+        {"/usr/bin/chromium", true, "did not answer at 127.0.0.1:9222"},
+    };
+    for (const Case& c : cases) {
+        Session s(false);
+        s.port.connector->browserOpen = false;
+        s.launcher.result = c.starts;
+        BrowserServices services = s.services();
+        services.browserPath = c.path;
+        services.profileDir = test::makeTempDir() + "/profile";
+        services.launchWaitMs = 200;
+        cIEObject ie(services);
+        EXPECT_TRUE(ie.GetActiveBrowser(true).isEmpty());
+        ASSERT_EQ(s.labels(), QStringList{"cIEObject|Function GetActiveBrowser"});
+        EXPECT_TRUE(s.log.errors[0].detail.contains(QString::fromUtf8(c.detail)))
+            << s.log.errors[0].detail.toStdString();
+    }
+}
+
+class FakeDialUp : public DialUpConnections {
+public:
+    std::optional<QStringList> list;
+    QStringList hungUp;
+    std::optional<QStringList> activeConnections() override { return list; }
+    void hangUp(const QString& c) override { hungUp << c; }
+};
+
+TEST(IEObject, HangUpModemHangsUpEveryActiveConnection) {
+    struct Case {
+        std::optional<QStringList> active;
+        QStringList hungUp;
+    } cases[] = {
+        {QStringList{}, {}},
+        {QStringList{"u1", "u2"}, {"u1", "u2"}},
+        {std::nullopt, {}},
+    };
+    for (const Case& c : cases) {
+        Session s(false);
+        auto dialUp = std::make_shared<FakeDialUp>();
+        dialUp->list = c.active;
+        BrowserServices services = s.services();
+        services.dialUp = dialUp;
+        cIEObject(services).HangUpModem();
+        EXPECT_EQ(dialUp->hungUp, c.hungUp);
+    }
+    EXPECT_EQ(dialUpFromNmcli("a1:802-3-ethernet\nb2:gsm\nc3:pppoe\n\nd4:cdma\ne5:wifi\n"),
+              (QStringList{"b2", "c3", "d4"}));
+}
+
+class ChoosingDialogs : public FileDialogs {
+public:
+    FileDialogResult answer;
+    std::vector<FileDialogRequest> requests;
+    FileDialogResult showOpen(const FileDialogRequest&) override { return {}; }
+    FileDialogResult showSave(const FileDialogRequest& r) override {
+        requests.push_back(r);
+        return answer;
+    }
+    FontSpec showFont(const FontSpec& f) override { return f; }
+    QString showFolder(const QString&, const QString&) override { return {}; }
+};
+
+TEST(IEObject, SaveWebPageWritesWhatTheDialogChose) {
+    const QString dir = test::makeTempDir();
+    struct Case {
+        QString file;
+        int filter;
+        QByteArray written;
+    } cases[] = {
+        {"page.mhtml", 1, "MHTML archive"},
+        {"page.html", 1, "<b>TOP</b>"},
+        {"page", 2, "<b>TOP</b>"},
+        {"", 1, ""},
+    };
+    for (const Case& c : cases) {
+        Session s;
+        s.window.top = doc("<b>TOP</b>");
+        s.window.title = "A/B: page";
+        ChoosingDialogs dialogs;
+        dialogs.answer = {c.file.isEmpty() ? QString() : dir + u'/' + c.file, c.filter};
+        BrowserServices services = s.services();
+        services.fileDialogs = &dialogs;
+        cIEObject ie(services);
+        ASSERT_TRUE(ie.InitializeObject());
+        ie.SaveWebPage();
+        ASSERT_EQ(dialogs.requests.size(), 1u);
+        EXPECT_EQ(dialogs.requests[0].fileName, "A_B_ page.mhtml");
+        if (!c.file.isEmpty()) {
+            QFile f(dir + u'/' + c.file);
+            ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << c.file.toStdString();
+            EXPECT_EQ(f.readAll(), c.written);
+        }
+        EXPECT_TRUE(s.log.errors.empty());
+    }
+    Session s;
+    s.ie->SaveWebPage(); // no dialog here
+    EXPECT_EQ(s.labels(), QStringList{"cIEObject|Sub SaveWebPage"});
+}
+
+} // namespace

@@ -1,0 +1,141 @@
+// Text rules of the browser session: where an address goes, tag stripping, link recognition,
+// content between tags, line breaks.
+
+#include "web/WebText.h"
+
+#include <gtest/gtest.h>
+
+using namespace ed::web;
+
+namespace {
+
+TEST(NavigationTarget, ProtocolTableDecides) {
+    struct Case {
+        const char* url;
+        bool mail;
+        const char* sent;
+    } cases[] = {
+        {"www.example.com", false, "http://www.example.com"},
+        {"example.com/a?b=1", false, "http://example.com/a?b=1"},
+        {"https://example.com", false, "https://example.com"},
+        {"FTP://files.example.com/x", false, "FTP://files.example.com/x"},
+        {"Http://Example.com", false, "Http://Example.com"},
+        {"file:///tmp/a.html", false, "file:///tmp/a.html"},
+        {"file://tmp/a.html", false, "http://file://tmp/a.html"},
+        {"mailto:joe@example.com", false, "mailto:joe@example.com"},
+        {"joe@example.com", true, "mailto:joe@example.com?Subject=Hello"},
+        {"example.com/users/@joe", true, "mailto:example.com/users/@joe?Subject=Hello"},
+        {"", false, "http://"},
+    };
+    for (const Case& c : cases) {
+        const NavigationTarget t = navigationTarget(QString::fromUtf8(c.url));
+        EXPECT_EQ(t.mail, c.mail) << c.url;
+        EXPECT_EQ(t.text, QString::fromUtf8(c.sent)) << c.url;
+    }
+    ASSERT_EQ(protocolTypes().size(), 5u);
+    EXPECT_EQ(protocolTypes()[3], "file:///");
+}
+
+TEST(StripHtml, DropsTagsAndStrayClosingBrackets) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"a<b>c</b>d>e", "acde"},
+        {"<p class=\"x\">Hello&nbsp;<i>you</i></p>", "Hello&nbsp;you"},
+        {"no tags", "no tags"},
+        {"open <tag never closed", "open "},
+        {">>x", "x"},
+        {"", ""},
+    };
+    for (const auto& [in, out] : cases)
+        EXPECT_EQ(stripHtml(QString::fromUtf8(in)), QString::fromUtf8(out)) << in;
+}
+
+TEST(IsThisEmailOrLink, ClassifiesAddresses) {
+    struct Case {
+        const char* text;
+        bool checkProtocol;
+        int expected;
+    } cases[] = {
+        {"http://example.com/", true, WebLink},
+        {"HTTPS://example.com/a.pdf", true, WebLink},
+        {"ftp://files.example.org", true, WebLink},
+        {"file:///tmp/x.html", true, WebLink},
+        {"http://", true, NotALink},
+        {"mailto:joe@example.com", true, EmailAddress},
+        {"MAILTO:joe.smith@mail.example.co.uk?subject=hi", true, EmailAddress},
+        {"mailto:", true, NotALink},
+        {"javascript:void(0)", true, NotALink},
+        {"tel:+15551234", true, NotALink},
+        {"about:blank", true, NotALink},
+        {"joe@example.com", true, EmailAddress},
+        {"  joe@example.com  ", false, EmailAddress},
+        {"www.example.com", false, WebLink},
+        {"example.com:8080/path", true, WebLink},
+        {"localhost:9222", false, WebLink},
+        {"127.0.0.1/x", false, WebLink},
+        {"http://example.com", false, NotALink},
+        {"joe@", false, NotALink},
+        {"joe@@example.com", false, NotALink},
+        {".joe@example.com", false, NotALink},
+        {"joe@example", false, NotALink},
+        {"joe@example.c0m", false, NotALink},
+        {"example", false, NotALink},
+        {"two words.com", false, NotALink},
+        {"-bad.example.com", false, NotALink},
+        {"", true, NotALink},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(isThisEmailOrLink(QString::fromUtf8(c.text), c.checkProtocol), c.expected)
+            << c.text << " checkProtocol=" << c.checkProtocol;
+}
+
+TEST(HtmlTagContent, CutsBetweenTags) {
+    struct Case {
+        const char* start;
+        const char* stop;
+        const char* html;
+        QStringList expected;
+    } cases[] = {
+        {"<b>", "</b>", "x<b>one</b> y <B class=\"k\">two</b>", {">one", " class=\"k\">two"}},
+        {"<title>", "</title>", "<head><TITLE>Home</TITLE></head>", {">Home"}},
+        {"<i>", "</i>", "<b>nothing here</b>", {""}},
+        {"<b>", "</b>", "<b>x</b>", {">x"}},
+        {"", "</b>", "<b>x</b>", {""}},
+        {"<b>", "", "<b>x</b>", {""}},
+        // An unclosed element ends where the next one starts; the search then goes on after
+        // that start, so the element that starts there is passed over.
+        {"<li>", "</li>", "<li>a<li>b</li><li>c</li>", {">a", ">c"}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(htmlTagContent(QString::fromUtf8(c.start), QString::fromUtf8(c.stop),
+                                 QString::fromUtf8(c.html)),
+                  c.expected)
+            << c.html;
+}
+
+TEST(HtmlTagContent, UnfinishedSearchStartsOverUntilThePassLimit) {
+    // The second <b> is never closed: every second pass finds the first element again.
+    const QStringList out = htmlTagContent("<b>", "</b>", "<b>one</b><b>open");
+    EXPECT_EQ(out.size(), 5000);
+    EXPECT_EQ(out.count(">one"), 5000);
+
+    // Three entries per pass cycle of four passes: 10000 passes give 7500 entries.
+    const QStringList three = htmlTagContent("<b>", "</b>", "<b>1</b><b>2</b><b>3</b><b>");
+    EXPECT_EQ(three.size(), 7500);
+    EXPECT_EQ(three.mid(0, 4), (QStringList{">1", ">2", ">3", ">1"}));
+}
+
+TEST(HtmlTagContent, StopsAtTenThousandEntries) {
+    QString html;
+    for (int i = 0; i < 12000; ++i)
+        html += QStringLiteral("<td>%1</td>").arg(i);
+    const QStringList out = htmlTagContent("<td>", "</td>", html);
+    ASSERT_EQ(out.size(), 10000);
+    EXPECT_EQ(out.back(), ">9999");
+}
+
+TEST(ToCrLf, EveryLineBreakBecomesCrLf) {
+    EXPECT_EQ(toCrLf("a\nb\r\nc\rd\n"), "a\r\nb\r\nc\r\nd\r\n");
+    EXPECT_EQ(toCrLf(""), "");
+}
+
+} // namespace
