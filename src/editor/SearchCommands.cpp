@@ -1,0 +1,222 @@
+#include "editor/SearchCommands.h"
+
+#include "app/Trap.h"
+
+#include <QFileInfo>
+#include <QVarLengthArray>
+
+#include <limits>
+#include <memory>
+
+namespace ed {
+
+namespace {
+
+const char* const kModule = "frmEdit";
+const QString kSection = QStringLiteral("frmEdit");
+const QString kPreviousSearch = QStringLiteral("Previous Search");
+const QString kReplaceWith = QStringLiteral("Replace with");
+const QString kSearchPrompt = QStringLiteral("Text to search for in these files?");
+const QString kNotFound = QStringLiteral("String not found");
+
+// Lower case of every UTF-16 unit that is not part of a surrogate pair, built once.
+const char16_t* bmpLowerTable() {
+    static const std::unique_ptr<char16_t[]> table = [] {
+        auto t = std::make_unique<char16_t[]>(0x10000);
+        for (char32_t u = 0; u < 0x10000; ++u) {
+            const char32_t l = QChar::isSurrogate(u) ? u : QChar::toLower(u);
+            t[u] = char16_t(QChar::requiresSurrogates(l) ? u : l);
+        }
+        // Capital I with dot is the one letter whose full lower case is two characters (i and a
+        // combining dot), so the per-character mapping leaves it alone; its simple lower case
+        // is a plain i.
+        t[0x130] = u'i';
+        return t;
+    }();
+    return table.get();
+}
+
+char32_t lowerCodePoint(char32_t c) {
+    const char32_t l = QChar::toLower(c);
+    return QChar::requiresSurrogates(l) ? l : c; // a pair always lowers to a pair
+}
+
+// Unit i of the lower case of s (a pair is lowered as one character, a lone surrogate stays).
+char16_t loweredUnit(const char16_t* s, qsizetype n, qsizetype i, const char16_t* table) {
+    const char16_t u = s[i];
+    if (!QChar::isSurrogate(u))
+        return table[u];
+    if (QChar::isHighSurrogate(u) && i + 1 < n && QChar::isLowSurrogate(s[i + 1]))
+        return QChar::highSurrogate(lowerCodePoint(QChar::surrogateToUcs4(u, s[i + 1])));
+    if (QChar::isLowSurrogate(u) && i > 0 && QChar::isHighSurrogate(s[i - 1]))
+        return QChar::lowSurrogate(lowerCodePoint(QChar::surrogateToUcs4(s[i - 1], u)));
+    return u;
+}
+
+qint32 checkedPosition(qsizetype value) {
+    if (value > std::numeric_limits<qint32>::max())
+        throw RuntimeError("Overflow");
+    return qint32(value);
+}
+
+QString askSearchText(CommandContext& ctx, const QString& proposed) {
+    return ctx.dialogs.inputBox(kSearchPrompt, QStringLiteral("Enter Search String"), proposed);
+}
+
+void findTextBody(CommandContext& ctx, QString& searchText, qint32* startPos, bool quiet) {
+    QString s;
+    qint32 p = 1;
+    if (quiet) {
+        s = searchText;
+    } else if (!startPos) {
+        searchText = ctx.clipboard.text();
+        s = askSearchText(ctx, searchText);
+    } else {
+        p = *startPos;
+        s = ctx.settings.get(kSection, kPreviousSearch, QString());
+        if (s.isEmpty() || p == 0) {
+            s = askSearchText(ctx, searchText);
+            p = 1;
+        }
+    }
+    if (s.isEmpty())
+        return;
+    ctx.settings.save(kSection, kPreviousSearch, s);
+
+    if (p < 1)
+        throw RuntimeError("Invalid procedure call or argument");
+    const QString text = ctx.edit.text();
+    const qsizetype found = indexOfIgnoringCase(text, s, qsizetype(p) - 1);
+    if (found < 0) {
+        ctx.form.SearchPos = 0;
+        ctx.menu.setEnabled(QStringLiteral("mnuFindNext"), false);
+        if (!quiet)
+            ctx.dialogs.messageBox(kNotFound, defaultTitle(), Buttons::Ok, Icon::Critical);
+        return;
+    }
+    ctx.form.SearchPos = checkedPosition(found + 1 + s.size());
+    ctx.edit.setSelStart(int(found));
+    ctx.edit.setSelLength(int(s.size()));
+    ctx.menu.setEnabled(QStringLiteral("mnuFindNext"), true);
+}
+
+void replaceAllBody(CommandContext& ctx) {
+    QString find = ctx.edit.selText();
+    const int caret = ctx.edit.selStart();
+    if (find.isEmpty())
+        find = ctx.dialogs.inputBox(kSearchPrompt, defaultTitle(),
+                                    ctx.settings.get(kSection, kPreviousSearch, QString()));
+    if (find.isEmpty())
+        return;
+    ctx.settings.save(kSection, kPreviousSearch, find);
+
+    const QString prompt = QStringLiteral("Enter text to replace \"") + find +
+                           QStringLiteral("\" with?\r\n\r\n\r\nEnter \"vbCrLf\" to replace with "
+                                          "carriage return character.");
+    QString with = ctx.dialogs.inputBox(prompt, defaultTitle(),
+                                        ctx.settings.get(kSection, kReplaceWith, QString()));
+    if (with.isEmpty()) {
+        const Answer a = ctx.dialogs.messageBox(
+            QStringLiteral("Replace ") + find + QStringLiteral(" with an empty string?"),
+            QStringLiteral("Replace with empty or cancel?"), Buttons::YesNo, Icon::Question);
+        if (a != Answer::Yes)
+            return;
+    }
+    ctx.settings.save(kSection, kReplaceWith, with);
+
+    QString text = ctx.edit.text();
+    if (!text.contains(find, Qt::CaseSensitive)) {
+        ctx.dialogs.messageBox(kNotFound, defaultTitle(), Buttons::Ok, Icon::None);
+        return;
+    }
+    if (with.toLower() == u"vbcrlf")
+        with = QStringLiteral("\r\n");
+    text.replace(find, with, Qt::CaseSensitive);
+    ctx.edit.setText(text);
+    ctx.edit.setSelStart(caret);
+    ctx.edit.setSelLength(5); // always 5, whatever was replaced
+}
+
+} // namespace
+
+QString lowerSameLength(QStringView text) {
+    const char16_t* table = bmpLowerTable();
+    const auto* s = reinterpret_cast<const char16_t*>(text.data());
+    QString out(text.size(), Qt::Uninitialized);
+    auto* o = reinterpret_cast<char16_t*>(out.data());
+    for (qsizetype i = 0; i < text.size(); ++i)
+        o[i] = loweredUnit(s, text.size(), i, table);
+    return out;
+}
+
+qsizetype indexOfIgnoringCase(QStringView text, QStringView needle, qsizetype from) {
+    const qsizetype n = text.size();
+    const qsizetype m = needle.size();
+    if (from < 0)
+        from = 0;
+    if (m == 0)
+        return from <= n ? from : -1;
+    const char16_t* table = bmpLowerTable();
+    const QString lowNeedle = lowerSameLength(needle);
+    const auto* nl = reinterpret_cast<const char16_t*>(lowNeedle.constData());
+    const auto* s = reinterpret_cast<const char16_t*>(text.data());
+    const char16_t first = nl[0];
+    for (qsizetype i = from; i <= n - m; ++i) {
+        const char16_t u = s[i];
+        const char16_t lu = QChar::isSurrogate(u) ? loweredUnit(s, n, i, table) : table[u];
+        if (lu != first)
+            continue;
+        qsizetype k = 1;
+        while (k < m && loweredUnit(s, n, i + k, table) == nl[k])
+            ++k;
+        if (k == m)
+            return i;
+    }
+    return -1;
+}
+
+void FindText(CommandContext& ctx, QString& searchText, qint32* startPos, bool quiet) {
+    trapped(ctx.log, kModule, QStringLiteral("Sub FindText"),
+            [&] { findTextBody(ctx, searchText, startPos, quiet); });
+}
+
+void ReplaceAllText(CommandContext& ctx) {
+    trapped(ctx.log, kModule, QStringLiteral("Sub ReplaceAllText"), [&] { replaceAllBody(ctx); });
+}
+
+void mnuSearch_Click(CommandContext& ctx) {
+    QString text = ctx.edit.selText();
+    if (text.isEmpty())
+        text = ctx.settings.get(kSection, kPreviousSearch, QString());
+    FindText(ctx, text, nullptr, false);
+}
+
+void mnuFindNext_Click(CommandContext& ctx) {
+    QString none;
+    FindText(ctx, none, &ctx.form.SearchPos, false);
+}
+
+void mnuReplace_Click(CommandContext& ctx) {
+    ReplaceAllText(ctx);
+}
+
+QString fixedBrowserPath() {
+#ifdef Q_OS_WIN
+    return QStringLiteral("C:\\Program Files\\Internet Explorer\\iexplore.exe");
+#else
+    // That browser has no install location outside Windows: nothing is there to find.
+    return QString();
+#endif
+}
+
+void updateToolsMenu(CommandContext& ctx, const QString& browserPath) {
+    const bool present = !browserPath.isEmpty() && QFileInfo(browserPath).isFile();
+    ctx.menu.setEnabled(QStringLiteral("mnuWebsites"), present);
+    ctx.menu.setEnabled(QStringLiteral("mnuSearch"), ctx.form.SearchPos >= 1);
+}
+
+void mnuTools_Click(CommandContext& ctx) {
+    updateToolsMenu(ctx, fixedBrowserPath());
+}
+
+} // namespace ed

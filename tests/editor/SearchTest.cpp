@@ -1,0 +1,352 @@
+#include "editor/SearchCommands.h"
+#include "support/Fakes.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+const QString kSearchPrompt = QStringLiteral("Text to search for in these files?");
+
+// Find... on a text: the answer typed, then what is selected and remembered.
+struct FindCase {
+    const char* name;
+    QString text;
+    QString answer;
+    int selStart, selLength; // expected selection
+    qint32 searchPos;
+    bool found;
+};
+void PrintTo(const FindCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class FindTest : public ::testing::TestWithParam<FindCase> {};
+
+TEST_P(FindTest, SelectsFirstMatchIgnoringCase) {
+    const FindCase& c = GetParam();
+    Harness h(c.text);
+    h.clipboard.setText(QStringLiteral("from clipboard"));
+    h.select(0, 1); // a selection is never what the prompt proposes
+    h.dialogs.answers.push_back(c.answer);
+    h.run("mnuSearch");
+
+    ASSERT_EQ(h.dialogs.prompts.size(), 1u);
+    EXPECT_EQ(h.dialogs.prompts[0].prompt, kSearchPrompt);
+    EXPECT_EQ(h.dialogs.prompts[0].title, "Enter Search String");
+    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "from clipboard");
+    EXPECT_EQ(h.setting("frmEdit", "Previous Search"), c.answer);
+    EXPECT_EQ(h.form.SearchPos, c.searchPos);
+    EXPECT_EQ(h.menu.isEnabled("mnuFindNext"), c.found);
+    EXPECT_EQ(h.edit.text(), c.text);
+    if (c.found) {
+        EXPECT_EQ(h.edit.selStart(), c.selStart);
+        EXPECT_EQ(h.edit.selLength(), c.selLength);
+        EXPECT_TRUE(h.dialogs.messages.empty());
+    } else {
+        ASSERT_EQ(h.dialogs.messages.size(), 1u);
+        EXPECT_EQ(h.dialogs.messages[0].text, "String not found");
+        EXPECT_EQ(h.dialogs.messages[0].icon, Icon::Critical);
+        EXPECT_EQ(h.dialogs.messages[0].buttons, Buttons::Ok);
+    }
+    EXPECT_TRUE(h.log.errors.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, FindTest,
+    ::testing::Values(
+        FindCase{"IgnoresCase", "xxABCabc", "abc", 2, 3, 6, true},
+        FindCase{"UpperNeedle", "one two", "TWO", 4, 3, 8, true},
+        FindCase{"Missing", "hello", "z", 0, 0, 0, false},
+        FindCase{"CrLfCountsTwo", "a\r\nbc", "B", 3, 1, 5, true},
+        // Lower case is one character for one: dotted capital I is plain i, positions unchanged.
+        FindCase{"DottedCapitalI", QStringLiteral("x\u0130y"), "i", 1, 1, 3, true},
+        FindCase{"AfterDottedCapitalI", QStringLiteral("\u0130\u0130ab"), "AB", 2, 2, 5, true},
+        // Sharp s does not become "ss".
+        FindCase{"NoFullFolding", QStringLiteral("stra\u00dfe"), "strasse", 0, 0, 0, false},
+        // A pair of surrogates is lowered as one character (Deseret capital to small).
+        FindCase{"SurrogatePair", QStringLiteral("a\U00010400b"), QStringLiteral("\U00010428B"), 1,
+                 3, 5, true}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(FindNext, WalksMatchesWithoutWrappingThenAsksAgain) {
+    Harness h(QStringLiteral("abcABCabc"));
+    h.dialogs.answers = {"abc"};
+    h.run("mnuSearch");
+    struct Expect {
+        int start;
+        qint32 pos;
+    };
+    for (const Expect e : {Expect{3, 7}, Expect{6, 10}}) {
+        h.run("mnuFindNext");
+        EXPECT_EQ(h.edit.selStart(), e.start);
+        EXPECT_EQ(h.edit.selLength(), 3);
+        EXPECT_EQ(h.form.SearchPos, e.pos);
+    }
+    EXPECT_EQ(h.dialogs.prompts.size(), 1u); // the stored text was used
+    h.run("mnuFindNext");                    // past the last match: no wrap-around
+    EXPECT_EQ(h.form.SearchPos, 0);
+    EXPECT_FALSE(h.menu.isEnabled("mnuFindNext"));
+    ASSERT_EQ(h.dialogs.messages.size(), 1u);
+    EXPECT_EQ(h.dialogs.messages[0].icon, Icon::Critical);
+
+    // The position is 0 now, so Find Next asks again (proposing nothing) and starts at the top.
+    h.clipboard.setText("clip");
+    h.dialogs.answers = {"CA"};
+    h.run("mnuFindNext");
+    ASSERT_EQ(h.dialogs.prompts.size(), 2u);
+    EXPECT_EQ(h.dialogs.prompts[1].defaultAnswer, "");
+    EXPECT_EQ(h.dialogs.prompts[1].title, "Enter Search String");
+    EXPECT_EQ(h.edit.selStart(), 2);
+    EXPECT_EQ(h.form.SearchPos, 5);
+    EXPECT_EQ(h.setting("frmEdit", "Previous Search"), "CA");
+}
+
+TEST(FindNext, CancelledPromptChangesNothing) {
+    Harness h(QStringLiteral("abc"));
+    h.form.SearchPos = 2; // nothing stored: asks even though a position is known
+    h.run("mnuFindNext");
+    EXPECT_EQ(h.dialogs.prompts.size(), 1u);
+    EXPECT_EQ(h.form.SearchPos, 2);
+    EXPECT_EQ(h.settings.writes, 0);
+    EXPECT_FALSE(h.menu.isEnabled("mnuFindNext"));
+}
+
+TEST(FindText, QuietSearchNeverAsksOrComplains) {
+    Harness h(QStringLiteral("hay NEEDLE hay"));
+    h.clipboard.setText("clip");
+    QString text = QStringLiteral("needle");
+    FindText(h.ctx, text, nullptr, true);
+    EXPECT_EQ(h.edit.selStart(), 4);
+    EXPECT_EQ(h.edit.selLength(), 6);
+    EXPECT_EQ(h.form.SearchPos, 11);
+    EXPECT_EQ(text, "needle");
+
+    QString missing = QStringLiteral("absent");
+    FindText(h.ctx, missing, nullptr, true);
+    EXPECT_EQ(h.form.SearchPos, 0);
+    EXPECT_FALSE(h.menu.isEnabled("mnuFindNext"));
+    EXPECT_TRUE(h.dialogs.prompts.empty());
+    EXPECT_TRUE(h.dialogs.messages.empty());
+
+    QString none;
+    FindText(h.ctx, none, nullptr, true); // empty: nothing at all
+    EXPECT_EQ(h.setting("frmEdit", "Previous Search"), "absent");
+}
+
+TEST(FindText, NotQuietWithoutPositionTakesTheClipboard) {
+    Harness h(QStringLiteral("abc"));
+    h.clipboard.setText("b");
+    QString text = QStringLiteral("ignored");
+    h.dialogs.answers = {"c"};
+    FindText(h.ctx, text, nullptr, false);
+    EXPECT_EQ(text, "b");
+    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "b");
+    EXPECT_EQ(h.edit.selStart(), 2);
+}
+
+TEST(FindText, NegativeStartIsLoggedUnderItsLabel) {
+    Harness h(QStringLiteral("abc"));
+    h.setSetting("frmEdit", "Previous Search", "a");
+    QString none;
+    qint32 pos = -3;
+    FindText(h.ctx, none, &pos, false);
+    ASSERT_EQ(h.log.errors.size(), 1u);
+    EXPECT_EQ(h.log.errors[0].module, "frmEdit");
+    EXPECT_EQ(h.log.errors[0].location, "Sub FindText");
+}
+
+// The in-place search agrees with lower-casing both texts and searching, on random texts full of
+// characters whose case differs (dotted I, sharp s, final sigma, surrogate pairs, lone halves).
+TEST(IndexOfIgnoringCase, AgreesWithLowerCasingBoth) {
+    const QString alphabet =
+        QStringLiteral("aAiI\u0130\u0131\u00df\u1e9e\u03a3\u03c3\u03c2\u212a\U00010400\U00010428");
+    std::mt19937 rng(7);
+    auto randomText = [&](int maxLen) {
+        QString s;
+        const int n = int(rng() % unsigned(maxLen + 1));
+        for (int i = 0; i < n; ++i) {
+            const int k = int(rng() % unsigned(alphabet.size() + 1));
+            s += k == alphabet.size() ? QChar(0xD800) : alphabet[k]; // may split pairs
+        }
+        return s;
+    };
+    for (int round = 0; round < 3000; ++round) {
+        const QString text = randomText(24);
+        const QString needle = randomText(3);
+        if (needle.isEmpty())
+            continue;
+        const qsizetype from = text.isEmpty() ? 0 : qsizetype(rng() % unsigned(text.size()));
+        const QString lt = lowerSameLength(text);
+        ASSERT_EQ(lt.size(), text.size());
+        EXPECT_EQ(indexOfIgnoringCase(text, needle, from),
+                  lt.indexOf(lowerSameLength(needle), from))
+            << round;
+    }
+}
+
+// Replace...: selection or answers in, text, selection and messages out.
+struct ReplaceCase {
+    const char* name;
+    QString text;
+    int selStart, selLength;
+    std::vector<QString> answers;
+    Answer emptyAnswer; // the reply to "Replace ... with an empty string?"
+    QString expected;
+    int expStart, expLength;
+    QString message; // the last message box, "" for none
+};
+void PrintTo(const ReplaceCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class ReplaceTest : public ::testing::TestWithParam<ReplaceCase> {};
+
+TEST_P(ReplaceTest, ReplacesExactlyAndSelectsFive) {
+    const ReplaceCase& c = GetParam();
+    Harness h(c.text);
+    h.select(c.selStart, c.selLength);
+    for (const QString& a : c.answers)
+        h.dialogs.answers.push_back(a);
+    h.dialogs.buttonAnswers.push_back(c.emptyAnswer);
+    h.run("mnuReplace");
+    EXPECT_EQ(h.edit.text(), c.expected);
+    EXPECT_EQ(h.edit.selStart(), c.expStart);
+    EXPECT_EQ(h.edit.selLength(), c.expLength);
+    EXPECT_EQ(h.dialogs.messages.empty() ? QString() : h.dialogs.messages.back().text, c.message);
+    EXPECT_TRUE(h.log.errors.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ReplaceTest,
+    ::testing::Values(
+        ReplaceCase{"CaseSensitive",
+                    "ABC",
+                    0,
+                    0,
+                    {"abc", "x"},
+                    Answer::No,
+                    "ABC",
+                    0,
+                    0,
+                    "String not found"},
+        ReplaceCase{"AllNonOverlapping", "aaaaa", 1, 0, {"aa", "b"}, Answer::No, "bba", 1, 2, ""},
+        ReplaceCase{"VbCrLfAnyCase",
+                    "a,b,,c",
+                    0,
+                    0,
+                    {",", "VBcrLF"},
+                    Answer::No,
+                    "a\r\nb\r\n\r\nc",
+                    0,
+                    5,
+                    ""},
+        ReplaceCase{"SelectionIsTheText",
+                    "foo bar foo",
+                    8,
+                    3,
+                    {"baz"},
+                    Answer::No,
+                    "baz bar baz",
+                    8,
+                    3,
+                    ""},
+        ReplaceCase{"EmptyDeclined",
+                    "a-b",
+                    0,
+                    0,
+                    {"-"},
+                    Answer::No,
+                    "a-b",
+                    0,
+                    0,
+                    "Replace - with an empty string?"},
+        ReplaceCase{"EmptyAccepted",
+                    "a-b-",
+                    2,
+                    0,
+                    {"-"},
+                    Answer::Yes,
+                    "ab",
+                    2,
+                    0,
+                    "Replace - with an empty string?"},
+        ReplaceCase{"Cancelled", "abc", 1, 0, {}, Answer::No, "abc", 1, 0, ""}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Replace, PromptsAndRemembersAsTyped) {
+    Harness h(QStringLiteral("x;y"));
+    h.setSetting("frmEdit", "Previous Search", "old find");
+    h.setSetting("frmEdit", "Replace with", "old with");
+    h.dialogs.answers = {";", "vbcrlf"};
+    h.run("mnuReplace");
+    ASSERT_EQ(h.dialogs.prompts.size(), 2u);
+    EXPECT_EQ(h.dialogs.prompts[0].prompt, kSearchPrompt);
+    EXPECT_EQ(h.dialogs.prompts[0].title, defaultTitle());
+    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "old find");
+    EXPECT_EQ(h.dialogs.prompts[1].prompt,
+              "Enter text to replace \";\" with?\r\n\r\n\r\nEnter \"vbCrLf\" to replace with "
+              "carriage return character.");
+    EXPECT_EQ(h.dialogs.prompts[1].title, defaultTitle());
+    EXPECT_EQ(h.dialogs.prompts[1].defaultAnswer, "old with");
+    EXPECT_EQ(h.setting("frmEdit", "Previous Search"), ";");
+    EXPECT_EQ(h.setting("frmEdit", "Replace with"), "vbcrlf");
+    EXPECT_EQ(h.edit.text(), "x\r\ny");
+    EXPECT_EQ(h.edit.assignments(), 1);
+
+    Harness miss(QStringLiteral("ABC"));
+    miss.dialogs.answers = {"abc", "z"};
+    miss.run("mnuReplace");
+    ASSERT_EQ(miss.dialogs.messages.size(), 1u);
+    EXPECT_EQ(miss.dialogs.messages[0].title, defaultTitle());
+    EXPECT_EQ(miss.dialogs.messages[0].icon, Icon::None);
+    EXPECT_EQ(miss.dialogs.messages[0].buttons, Buttons::Ok);
+    EXPECT_EQ(miss.setting("frmEdit", "Replace with"), "z"); // saved before the search
+    EXPECT_EQ(miss.edit.assignments(), 0);
+
+    Harness empty(QStringLiteral("a"));
+    empty.dialogs.answers = {"a"};
+    empty.run("mnuReplace");
+    ASSERT_EQ(empty.dialogs.messages.size(), 1u);
+    EXPECT_EQ(empty.dialogs.messages[0].title, "Replace with empty or cancel?");
+    EXPECT_EQ(empty.dialogs.messages[0].buttons, Buttons::YesNo);
+    EXPECT_EQ(empty.dialogs.messages[0].icon, Icon::Question);
+    EXPECT_EQ(empty.setting("frmEdit", "Replace with"), "<unset>");
+}
+
+TEST(ToolsMenu, OffersNotepadWhenTheFileExistsAndFindAfterASuccess) {
+    const QString dir = makeTempDir();
+    const QString present = dir + "/browser.exe";
+    {
+        QFile f(present);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    struct Case {
+        QString path;
+        qint32 searchPos;
+        bool websites, search;
+    };
+    for (const Case& c : {Case{present, 1, true, true}, Case{dir + "/absent.exe", 0, false, false},
+                          Case{dir, 5, false, true}, Case{QString(), -1, false, false}}) {
+        Harness h;
+        h.form.SearchPos = c.searchPos;
+        updateToolsMenu(h.ctx, c.path);
+        EXPECT_EQ(h.menu.isEnabled("mnuWebsites"), c.websites) << c.path.toStdString();
+        EXPECT_EQ(h.menu.isEnabled("mnuSearch"), c.search) << c.searchPos;
+    }
+#ifndef Q_OS_WIN
+    Harness h;
+    h.form.SearchPos = 3;
+    mnuTools_Click(h.ctx);
+    EXPECT_FALSE(h.menu.isEnabled("mnuWebsites"));
+    EXPECT_TRUE(h.menu.isEnabled("mnuSearch"));
+#endif
+}
+
+} // namespace
