@@ -17,6 +17,15 @@ namespace {
 const QString kKey = QStringLiteral("Previous Switch At Text");
 const QString kSlash = QStringLiteral("/");
 
+// Where a line is cut: never between the two halves of a character outside the Basic
+// Multilingual Plane (such a character stays whole on the first side).
+qsizetype cutAt(QStringView line, qsizetype cut) {
+    if (cut > 0 && cut < line.size() && line[cut - 1].isHighSurrogate() &&
+        line[cut].isLowSurrogate())
+        ++cut;
+    return cut;
+}
+
 } // namespace
 
 MarkerSearch::MarkerSearch(QStringView marker) {
@@ -121,7 +130,7 @@ void mnuInsertCRAt_Click(CommandContext& ctx) {
             const qsizetype p = search.nth(line, n < 1 ? 1 : n);
             if (p < 0)
                 return;
-            const qsizetype cut = after ? p + 1 : p;
+            const qsizetype cut = cutAt(line, after ? p + 1 : p);
             out.append(line.left(cut)).append(kCrLf).append(line.mid(cut)).append(kCrLf);
         },
         2 * countLines(text)));
@@ -154,7 +163,7 @@ void mnuInsertTextAt_Click(CommandContext& ctx) {
             const qsizetype p = search.nth(line, n);
             if (p < 0)
                 return;
-            const qsizetype cut = after ? p + 1 : p;
+            const qsizetype cut = cutAt(line, after ? p + 1 : p);
             out.append(line.left(cut)).append(insert).append(line.mid(cut)).append(kCrLf);
         },
         lines * (insert.size() + 2)));

@@ -22,8 +22,9 @@ void mnuRemoveRightSide_Click(CommandContext& ctx);
 // whatever the marker and the occurrence asked for (overlapping occurrences are found without
 // searching the same stretch again), and it reuses one buffer for all lines.
 //
-// An empty marker occurs at every character of a line: its n-th occurrence is the n-th character,
-// and an empty line holds none. So an empty marker cuts each line at a fixed column.
+// An empty marker occurs at every position of a line: its n-th occurrence is the n-th character
+// (counted in UTF-16 units, as all positions are), and an empty line holds none. So an empty
+// marker cuts each line at a fixed column.
 class MarkerSearch {
 public:
     explicit MarkerSearch(QStringView marker);

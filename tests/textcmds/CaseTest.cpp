@@ -1,0 +1,79 @@
+#include "textcmds/Case.h"
+#include "support/Fakes.h"
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+struct CaseCase {
+    const char* item;
+    const char* text;
+    int selStart, selLength;
+    const char* expected;
+    int caret; // expected selection start afterwards; -1: not checked
+};
+
+class CaseCommandTest : public ::testing::TestWithParam<CaseCase> {};
+
+TEST_P(CaseCommandTest, ConvertsSelectionOrWholeText) {
+    const CaseCase& c = GetParam();
+    Harness h(QString::fromUtf8(c.text));
+    h.select(c.selStart, c.selLength);
+    h.run(QString::fromLatin1(c.item));
+    EXPECT_EQ(h.edit.text(), QString::fromUtf8(c.expected));
+    EXPECT_EQ(h.edit.assignments(), 1);
+    EXPECT_TRUE(h.log.errors.empty());
+    if (c.caret >= 0) {
+        EXPECT_EQ(h.edit.selStart(), c.caret);
+        EXPECT_EQ(h.edit.selLength(), 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, CaseCommandTest,
+    ::testing::Values(
+        CaseCase{"mnuConvertToLowerCase", "HeLLo ÀÉ\r\nX", 0, 0, "hello àé\r\nx", -1},
+        // A selection of spaces is still a selection for lower and upper case.
+        CaseCase{"mnuConvertToLowerCase", "AB   CD", 2, 3, "AB   CD", 2},
+        CaseCase{"mnuConvertToUpperCase", "xxabyy", 2, 2, "xxAByy", 2},
+        CaseCase{"mnuConvertToUpperCase", "straße 😀x", 0, 0, "STRASSE 😀X", -1},
+        // ... but not for proper case, which then converts the whole text.
+        CaseCase{"mnuConvertToProperCase", "ab   cd", 2, 3, "Ab   Cd", -1},
+        CaseCase{"mnuConvertToProperCase", "xx hELLO wORLD yy", 3, 11, "xx Hello World yy", 3},
+        CaseCase{"mnuConvertToProperCase", "a\tb\r\nc\u00a0d\u2003e\vf\ff", 0, 0,
+                 "A\tB\r\nC\u00a0D\u2003E\vF\fF", -1},
+        // Punctuation is not a word boundary.
+        CaseCase{"mnuConvertToProperCase", "o'NEIL jean-LUC (note) 1st", 0, 0,
+                 "O'neil Jean-luc (note) 1st", -1},
+        CaseCase{"mnuConvertToProperCase", "éLAN çA ǆEMAL ÀB", 0, 0, "Élan Ça ǅemal Àb", -1},
+        // Letters outside the Basic Multilingual Plane change case; emoji stay as they are.
+        CaseCase{"mnuConvertToProperCase", "𐐨𐐀 𐐨 😀ABC", 0, 0, "𐐀𐐨 𐐀 😀abc", -1},
+        CaseCase{"mnuCapitalizeEachWord", "the  quick fox", 0, 0, "The  Quick Fox ", -1},
+        CaseCase{"mnuCapitalizeEachWord", "mcDONALD", 0, 0, "Mcdonald ", -1},
+        CaseCase{"mnuCapitalizeEachWord", "one\r\ntWO", 0, 0, "One\r\nTwo ", -1},
+        CaseCase{"mnuCapitalizeEachWord", "xx ab cd yy", 3, 5, "xx Ab Cd  yy", 3},
+        CaseCase{"mnuCapitalizeEachWord", "", 0, 0, " ", -1},
+        CaseCase{"mnuConvertToCrippledText", "hello world", 0, 0, "hElLo wOrLd", -1},
+        CaseCase{"mnuConvertToCrippledText", "  abc  ", 0, 0, "aBc", -1},
+        CaseCase{"mnuConvertToCrippledText", "[a b]", 1, 3, "[a b]", 0},
+        // The selected stretch loses its edge spaces; the caret is not put back.
+        CaseCase{"mnuConvertToCrippledText", "x ab y", 1, 4, "xaBy", 0},
+        CaseCase{"mnuConvertToCrippledText", "AB\r\nCD", 0, 0, "aB\r\ncD", -1},
+        // Positions count UTF-16 units: the emoji takes positions 2 and 3.
+        CaseCase{"mnuConvertToCrippledText", "a😀bc", 0, 0, "a😀Bc", -1}));
+
+TEST(ProperCase, KeepsLengthAndLoneSurrogates) {
+    const QString s = QStringLiteral("aB") + QChar(0xD800) + QStringLiteral("cD İx");
+    const QString p = properCase(s);
+    ASSERT_EQ(p.size(), s.size());
+    EXPECT_EQ(p, QStringLiteral("Ab") + QChar(0xD800) + QStringLiteral("cd İx"));
+    QString lower;
+    lowerSameLength(QStringView(u"İSTANBUL ÀÉ"), lower);
+    EXPECT_EQ(lower.size(), 11);
+    EXPECT_TRUE(lower.endsWith(QStringLiteral("stanbul àé")));
+}
+
+} // namespace

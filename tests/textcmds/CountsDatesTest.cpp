@@ -1,0 +1,130 @@
+#include "app/ErrorLogger.h"
+#include "editor/MenuTable.h"
+#include "support/Fakes.h"
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+struct CountCase {
+    const char* item;
+    const char* text;
+    int selStart, selLength;
+    const char* message;
+    Icon icon;
+};
+
+class CountTest : public ::testing::TestWithParam<CountCase> {};
+
+TEST_P(CountTest, ShowsTheCount) {
+    const CountCase& c = GetParam();
+    Harness h(QString::fromUtf8(c.text));
+    h.select(c.selStart, c.selLength);
+    h.run(QString::fromLatin1(c.item));
+    ASSERT_EQ(h.dialogs.messages.size(), 1u);
+    EXPECT_EQ(h.dialogs.messages[0].text, QString::fromUtf8(c.message));
+    EXPECT_EQ(h.dialogs.messages[0].title, defaultTitle());
+    EXPECT_EQ(h.dialogs.messages[0].icon, c.icon);
+    EXPECT_EQ(h.dialogs.messages[0].buttons, Buttons::Ok);
+    EXPECT_EQ(h.edit.assignments(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, CountTest,
+    ::testing::Values(
+        CountCase{"mnuGetCharCount", "hello world!", 2, 5, "Selected Character Count = 5",
+                  Icon::Information},
+        CountCase{"mnuGetCharCount", "hello world!", 3, 0, "Character Count = 12",
+                  Icon::Information},
+        CountCase{"mnuGetCharCount", "a\r\nb", 0, 0, "Character Count = 4", Icon::Information},
+        CountCase{"mnuGetCharCount", "😀", 0, 0, "Character Count = 2", Icon::Information},
+        CountCase{"mnuShowLineCount", "a\r\nb", 1, 2, "Line Count = 2", Icon::None},
+        CountCase{"mnuShowLineCount", "a\r\nb\r\n", 0, 0, "Line Count = 3", Icon::None},
+        CountCase{"mnuShowLineCount", "", 0, 0, "Line Count = 0", Icon::None},
+        CountCase{"mnuShowLineCount", "a\nb\rc", 0, 0, "Line Count = 1", Icon::None}));
+
+struct StampCase {
+    const char* item;
+    const char* text;
+    int selStart, selLength;
+    const char* before;
+    const char* after;
+};
+
+class StampTest : public ::testing::TestWithParam<StampCase> {};
+
+TEST_P(StampTest, ReplacesSelectionAndLeavesCaretInFront) {
+    const StampCase& c = GetParam();
+    Harness h(QString::fromUtf8(c.text));
+    h.clock.time = QDateTime(QDate(2031, 2, 3), QTime(4, 5, 6));
+    h.select(c.selStart, c.selLength);
+    h.run(QString::fromLatin1(c.item));
+    const QString date = localeShortDate(QDate(2031, 2, 3));
+    const QString time = localeTime(QTime(4, 5, 6));
+    const QString item = QString::fromLatin1(c.item);
+    const QString stamp = item == u"mnuInsertDate"   ? date
+                          : item == u"mnuInsertTime" ? time
+                                                     : date + QStringLiteral(": ") + time;
+    EXPECT_EQ(h.edit.text(), QString::fromUtf8(c.before) + stamp + QString::fromUtf8(c.after));
+    EXPECT_EQ(h.edit.selStart(), c.selStart);
+    EXPECT_EQ(h.edit.selLength(), 0);
+    EXPECT_EQ(h.edit.assignments(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, StampTest,
+                         ::testing::Values(StampCase{"mnuInsertDate", "abcdef", 3, 0, "abc", "def"},
+                                           StampCase{"mnuInsertDateTime", "abxyzcd", 2, 3, "ab",
+                                                     "cd"},
+                                           StampCase{"mnuInsertTime", "", 0, 0, "", ""},
+                                           StampCase{"mnuInsertTime", "ab", 2, 0, "ab", ""}));
+
+TEST(Stamps, FollowTheClock) {
+    Harness h;
+    h.clock.time = QDateTime(QDate(2031, 12, 24), QTime(23, 58, 59));
+    h.run("mnuInsertDateTime");
+    EXPECT_TRUE(h.edit.text().contains(QStringLiteral("58")));
+    EXPECT_TRUE(h.edit.text().contains(QStringLiteral("24")));
+    EXPECT_TRUE(h.edit.text().contains(QStringLiteral(": ")));
+}
+
+// The rows of the menu table: every command is offered to the batch runner and traps its errors
+// under its own label.
+TEST(MenuRows, LabelsAndBatchNames) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"mnuGetCharCount", "mnuShowLineCount_Click"},
+        {"mnuShowLineCount", "mnuShowLineCount_Click"},
+        {"mnuInsertDate", "mnuInsertDate_Click"},
+        {"mnuInsertTime", "mnuInsertDateTime_Click"},
+        {"mnuInsertDateTime", "mnuInsertDateTime_Click"},
+        {"mnuInsertCRAt", "Sub mnuInsertCRAt_Click"},
+        {"mnuInsertTextAt", "mnuInsertTextAt_Click"},
+        {"mnuRemoveLeftSide", "mnuRemoveLeftSide_Click"},
+        {"mnuRemoveRightSide", "mnuRemoveRightSide_Click"},
+        {"mnuInsertBlankLines", "Sub mnuInsertBlankLines_Click"},
+        {"mnuRemoveAllSpaces", "mnuRemoveAllSpaces_Click"},
+        {"mnuTrimLeadingAndTrailingSpaces", "mnuTrimLeadingAndTrailingSpaces_Click"},
+        {"mnuCnvDblSpcToSingle", "mnuCnvDblSpcToSingle_Click"},
+        {"mnuReplaceDoubleBlankLineWithSingle", "mnuReplaceDoubleBlankLineWithSingle_Click"},
+        {"mnuTrimSpaces", "mnuTrimSpaces_Click"},
+        {"mnuRemoveCRLF", "mnuRemoveCRLF_Click"},
+        {"mnuCreateCodeArrayOfWordList", "mnuCreateCodeArrayOfWordList_Click"},
+        {"mnuConvertToLowerCase", "mnuConvertToLowerCase_Click"},
+        {"mnuConvertToUpperCase", "mnuConvertToUpperCase_Click"},
+        {"mnuConvertToProperCase", "mnuConvertToProperCase_Click"},
+        {"mnuCapitalizeEachWord", "mnuCapitalizeEachWord_Click"},
+        {"mnuConvertToCrippledText", "mnuConvertToCrippledText_Click"},
+    };
+    for (const auto& [name, label] : rows) {
+        SCOPED_TRACE(name);
+        const MenuItemDecl* d = findMenuItem(QString::fromLatin1(name));
+        ASSERT_NE(d, nullptr);
+        EXPECT_TRUE(availableInBatch(*d));
+        EXPECT_EQ(trapLabel(*d), QString::fromLatin1(label));
+        EXPECT_EQ(trapModule(*d), "frmEdit");
+    }
+}
+
+} // namespace
