@@ -86,16 +86,19 @@ void CdpClient::post(const QString& method, const QJsonObject& params, const QSt
 }
 
 QJsonObject CdpClient::call(const QString& method, const QJsonObject& params,
-                            const QString& sessionId) {
+                            const QString& sessionId, const std::function<bool()>& enough) {
     Pending pending;
     pending.method = method;
     pending.sessionId = sessionId;
     const int id = send(method, params, sessionId);
     pending_[id] = &pending;
     const std::shared_ptr<bool> alive = alive_;
-    const bool answered = waitUntil([&] { return pending.done; }, timeoutMs_);
+    const bool answered =
+        waitUntil([&] { return pending.done || (enough && enough()); }, timeoutMs_);
     if (*alive)
         pending_.erase(id);
+    if (answered && !pending.done)
+        return QJsonObject();
     if (!answered)
         throw RuntimeError(QStringLiteral("The browser did not answer %1 within %2.")
                                .arg(method, seconds(timeoutMs_))

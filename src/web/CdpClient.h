@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -30,8 +31,11 @@ public:
     // Sends `method` and waits for its reply; returns the reply's "result". Throws RuntimeError
     // when the browser answers with an error, closes the connection or does not answer in time.
     // `sessionId` addresses a session attached to this one ("" is the connection's own).
+    // When `enough` is given and turns true before the reply comes (an event showed the request
+    // took effect), the call returns an empty object and the reply is dropped.
     QJsonObject call(const QString& method, const QJsonObject& params = {},
-                     const QString& sessionId = QString());
+                     const QString& sessionId = QString(),
+                     const std::function<bool()>& enough = {});
     // Sends without waiting; the reply is dropped.
     void post(const QString& method, const QJsonObject& params = {},
               const QString& sessionId = QString());

@@ -89,6 +89,10 @@ void CdpPage::onEvent(const QString& method, const QJsonObject& params, const QS
     } else if (method == u"Page.navigatedWithinDocument") {
         frameUrls_.insert(params.value(QStringLiteral("frameId")).toString(),
                           params.value(QStringLiteral("url")).toString());
+    } else if (method == u"Page.frameStartedLoading" || method == u"Page.frameStartedNavigating") {
+        if (sessionId.isEmpty() &&
+            params.value(QStringLiteral("frameId")).toString() == mainFrameId_)
+            navigationStarted_ = true;
     } else if (method == u"Page.frameStoppedLoading") {
         const DocumentRef frame{params.value(QStringLiteral("frameId")).toString()};
         QString url = frameUrls_.value(frame.frameId);
@@ -166,7 +170,11 @@ void CdpPage::raiseClosing() {
 }
 
 void CdpPage::navigate(const QString& url) {
-    client_->call(QStringLiteral("Page.navigate"), {{QStringLiteral("url"), url}});
+    // The browser answers only once the new page's response is in; the navigation has begun
+    // as soon as the main frame starts loading, and that is when the call returns.
+    navigationStarted_ = false;
+    client_->call(QStringLiteral("Page.navigate"), {{QStringLiteral("url"), url}}, QString(),
+                  [this] { return navigationStarted_; });
 }
 
 void CdpPage::stopLoading() {

@@ -76,6 +76,7 @@ private:
     QSet<QString> knownTargets_;
     bool discovering_ = false;
     bool closingRaised_ = false;
+    bool navigationStarted_ = false;
 };
 
 } // namespace ed::web
