@@ -1,6 +1,7 @@
 #include "editor/RtfDocument.h"
 
 #include "editor/RtfReader.h"
+#include "editor/RtfWriter.h"
 
 #include <QColor>
 #include <QFont>
@@ -66,6 +67,10 @@ RtfContent rtfContentOf(const QTextDocument& doc) {
         content.paragraphs.append(std::move(paragraph));
     }
     return content;
+}
+
+QByteArray writeRtf(const QTextDocument& doc) {
+    return writeRtf(rtfContentOf(doc));
 }
 
 bool readRtf(const QByteArray& rtf, QTextDocument& doc, QString* error) {

@@ -206,6 +206,15 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+void appendCodePoint(QString& s, char32_t cp) {
+    if (QChar::requiresSurrogates(cp)) {
+        s += QChar(QChar::highSurrogate(cp));
+        s += QChar(QChar::lowSurrogate(cp));
+    } else {
+        s += QChar(char16_t(cp));
+    }
+}
+
 int hexValue(char c) {
     if (c >= '0' && c <= '9')
         return c - '0';
@@ -275,7 +284,7 @@ private:
     void flushBytes();
     void emitUnit(char16_t unit);
     void put(char32_t cp);
-    void appendToRun(const QString& text);
+    QString& runText();    // of the run that has the current format
     void breakParagraph(); // \par: the paragraph ends, even an empty one
     void endParagraph();   // end of a table row or of the file: a paragraph with text ends
     void finish();
@@ -294,7 +303,7 @@ private:
     int pendingCells_ = 0; // \cell seen, its separator not yet written
 
     int docCodepage_ = kWesternCodepage;
-    int defaultFont_ = -1;
+    int defaultFont_ = 0; // \deff, 0 when the file names none
     QHash<int, FontEntry> fonts_;
     int fontNumber_ = 0;
     int fontCodepage_ = 0;
@@ -715,20 +724,21 @@ void Parser::put(char32_t cp) {
         return;
     if (cp == 0xFDD0 || cp == 0xFDD1) // the text document's frame markers
         cp = kReplacement;
-    const QString text = QString::fromUcs4(&cp, 1);
     switch (top().dest) {
-    case Dest::Body:
+    case Dest::Body: {
         if (top().hidden)
             return;
+        QString& text = runText();
         if (pendingCells_ > 0) {
-            appendToRun(QString(pendingCells_, u'\t'));
+            text += QString(pendingCells_, u'\t');
             pendingCells_ = 0;
         }
-        appendToRun(text);
+        appendCodePoint(text, cp);
         break;
+    }
     case Dest::FontTable:
         if (cp >= 0x20 && cp != QChar::LineSeparator && fontName_.size() < kMaxFontName)
-            fontName_ += text;
+            appendCodePoint(fontName_, cp);
         fontNamePending_ = true;
         break;
     default:
@@ -736,7 +746,7 @@ void Parser::put(char32_t cp) {
     }
 }
 
-void Parser::appendToRun(const QString& text) {
+QString& Parser::runText() {
     const GroupState& st = top();
     const FormatKey key{st.font >= 0 ? st.font : defaultFont_,
                         st.color,
@@ -751,7 +761,7 @@ void Parser::appendToRun(const QString& text) {
         runKey_ = key;
         runKeyValid_ = true;
     }
-    paragraph_.runs.last().text += text;
+    return paragraph_.runs.last().text;
 }
 
 RtfCharFormat Parser::formatOf(const FormatKey& key) const {

@@ -1,7 +1,6 @@
 #include "editor/RtfWriter.h"
 
 #include "editor/RtfCodepage.h"
-#include "editor/RtfDocument.h"
 
 #include <QStringList>
 
@@ -97,10 +96,6 @@ QByteArray writeRtf(const RtfContent& content) {
     }
     out += "}";
     return out;
-}
-
-QByteArray writeRtf(const QTextDocument& doc) {
-    return writeRtf(rtfContentOf(doc));
 }
 
 } // namespace ed

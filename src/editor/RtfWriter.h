@@ -11,7 +11,12 @@ class QTextDocument;
 
 namespace ed {
 
+// Reading the result gives the content back exactly (parseRtf(writeRtf(c)) == c for any c the
+// reader produces).
 QByteArray writeRtf(const RtfContent& content);
+
+// The document's text and character formats (see rtfContentOf); defined with the other
+// QTextDocument conversions in RtfDocument.cpp, so that this file needs Qt Core only.
 QByteArray writeRtf(const QTextDocument& doc);
 
 } // namespace ed
