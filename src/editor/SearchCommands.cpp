@@ -1,12 +1,11 @@
 #include "editor/SearchCommands.h"
 
 #include "app/Trap.h"
+#include "editor/LowerCaseSearch.h"
 
 #include <QFileInfo>
-#include <QVarLengthArray>
 
 #include <limits>
-#include <memory>
 
 namespace ed {
 
@@ -18,40 +17,6 @@ const QString kPreviousSearch = QStringLiteral("Previous Search");
 const QString kReplaceWith = QStringLiteral("Replace with");
 const QString kSearchPrompt = QStringLiteral("Text to search for in these files?");
 const QString kNotFound = QStringLiteral("String not found");
-
-// Lower case of every UTF-16 unit that is not part of a surrogate pair, built once.
-const char16_t* bmpLowerTable() {
-    static const std::unique_ptr<char16_t[]> table = [] {
-        auto t = std::make_unique<char16_t[]>(0x10000);
-        for (char32_t u = 0; u < 0x10000; ++u) {
-            const char32_t l = QChar::isSurrogate(u) ? u : QChar::toLower(u);
-            t[u] = char16_t(QChar::requiresSurrogates(l) ? u : l);
-        }
-        // Capital I with dot is the one letter whose full lower case is two characters (i and a
-        // combining dot), so the per-character mapping leaves it alone; its simple lower case
-        // is a plain i.
-        t[0x130] = u'i';
-        return t;
-    }();
-    return table.get();
-}
-
-char32_t lowerCodePoint(char32_t c) {
-    const char32_t l = QChar::toLower(c);
-    return QChar::requiresSurrogates(l) ? l : c; // a pair always lowers to a pair
-}
-
-// Unit i of the lower case of s (a pair is lowered as one character, a lone surrogate stays).
-char16_t loweredUnit(const char16_t* s, qsizetype n, qsizetype i, const char16_t* table) {
-    const char16_t u = s[i];
-    if (!QChar::isSurrogate(u))
-        return table[u];
-    if (QChar::isHighSurrogate(u) && i + 1 < n && QChar::isLowSurrogate(s[i + 1]))
-        return QChar::highSurrogate(lowerCodePoint(QChar::surrogateToUcs4(u, s[i + 1])));
-    if (QChar::isLowSurrogate(u) && i > 0 && QChar::isHighSurrogate(s[i - 1]))
-        return QChar::lowSurrogate(lowerCodePoint(QChar::surrogateToUcs4(s[i - 1], u)));
-    return u;
-}
 
 qint32 checkedPosition(qsizetype value) {
     if (value > std::numeric_limits<qint32>::max())
@@ -138,42 +103,6 @@ void replaceAllBody(CommandContext& ctx) {
 }
 
 } // namespace
-
-QString lowerSameLength(QStringView text) {
-    const char16_t* table = bmpLowerTable();
-    const auto* s = reinterpret_cast<const char16_t*>(text.data());
-    QString out(text.size(), Qt::Uninitialized);
-    auto* o = reinterpret_cast<char16_t*>(out.data());
-    for (qsizetype i = 0; i < text.size(); ++i)
-        o[i] = loweredUnit(s, text.size(), i, table);
-    return out;
-}
-
-qsizetype indexOfIgnoringCase(QStringView text, QStringView needle, qsizetype from) {
-    const qsizetype n = text.size();
-    const qsizetype m = needle.size();
-    if (from < 0)
-        from = 0;
-    if (m == 0)
-        return from <= n ? from : -1;
-    const char16_t* table = bmpLowerTable();
-    const QString lowNeedle = lowerSameLength(needle);
-    const auto* nl = reinterpret_cast<const char16_t*>(lowNeedle.constData());
-    const auto* s = reinterpret_cast<const char16_t*>(text.data());
-    const char16_t first = nl[0];
-    for (qsizetype i = from; i <= n - m; ++i) {
-        const char16_t u = s[i];
-        const char16_t lu = QChar::isSurrogate(u) ? loweredUnit(s, n, i, table) : table[u];
-        if (lu != first)
-            continue;
-        qsizetype k = 1;
-        while (k < m && loweredUnit(s, n, i + k, table) == nl[k])
-            ++k;
-        if (k == m)
-            return i;
-    }
-    return -1;
-}
 
 void FindText(CommandContext& ctx, QString& searchText, qint32* startPos, bool quiet) {
     trapped(ctx.log, kModule, QStringLiteral("Sub FindText"),

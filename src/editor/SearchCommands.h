@@ -30,13 +30,4 @@ void updateToolsMenu(CommandContext& ctx, const QString& fixedBrowserPath);
 // The fixed place of that browser on this platform; empty where it cannot exist.
 QString fixedBrowserPath();
 
-// Lower case of one character the way the search compares: the simple one-to-one mapping, so a
-// text and its lower case always have the same length and the same positions.
-QString lowerSameLength(QStringView text);
-
-// 0-based index of the first occurrence of `needle` in `text` at or after `from`, comparing the
-// lower case of both (as lowerSameLength gives it); -1 when there is none. Works in place: the
-// document is not copied or lower-cased as a whole.
-qsizetype indexOfIgnoringCase(QStringView text, QStringView needle, qsizetype from);
-
 } // namespace ed

@@ -1,3 +1,4 @@
+#include "editor/LowerCaseSearch.h"
 #include "editor/SearchCommands.h"
 #include "support/Fakes.h"
 
