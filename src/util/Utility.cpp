@@ -1,6 +1,7 @@
 #include "util/Utility.h"
 
 #include "app/Trap.h"
+#include "util/HugePages.h"
 #include "util/LineHashSet.h"
 #include "util/TextCodec.h"
 
@@ -184,12 +185,29 @@ std::vector<QStringView> Utility::RemoveRepeatsFromViews(const std::vector<QStri
     return trappedValue(
         log_, kModule, QStringLiteral("RemoveRepeatsFromArray"), std::vector<QStringView>(), [&] {
             std::vector<QStringView> out;
+            out.reserve(lines.size());
+            adviseHugePages(out.data(), out.capacity() * sizeof(QStringView));
             LineHashSet seen(lines.size());
-            for (QStringView line : lines) {
-                if (line.isEmpty())
-                    continue; // the seen list starts out holding the empty string
-                if (seen.insert(line))
-                    out.push_back(line);
+            // The hashes of the next few lines are computed ahead and their slots prefetched,
+            // so that a big table costs hardly more than a small one.
+            constexpr size_t kAhead = 16;
+            uint64_t ahead[kAhead];
+            const size_t n = lines.size();
+            auto look = [&](size_t i) {
+                ahead[i % kAhead] = LineHashSet::hashOf(lines[i]);
+                seen.prefetch(ahead[i % kAhead]);
+            };
+            for (size_t i = 0; i < n && i < kAhead; ++i)
+                look(i);
+            for (size_t i = 0; i < n; ++i) {
+                const uint64_t hash = ahead[i % kAhead];
+                if (i + kAhead < n)
+                    look(i + kAhead);
+                if (i + kAhead / 2 < n)
+                    seen.prefetchText(ahead[(i + kAhead / 2) % kAhead]);
+                // The seen list starts out holding the empty string: empty lines never pass.
+                if (!lines[i].isEmpty() && seen.insert(lines[i], hash))
+                    out.push_back(lines[i]);
             }
             if (out.empty())
                 out.push_back(QStringView(u""));
