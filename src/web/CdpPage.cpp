@@ -225,8 +225,8 @@ CdpPage::World CdpPage::isolatedWorld(const QString& frameId) {
     }
 }
 
-QJsonObject CdpPage::evaluate(const DocumentRef& document, const QString& expression,
-                              bool byValue) {
+CdpPage::Evaluation CdpPage::evaluate(const DocumentRef& document, const QString& expression,
+                                      bool byValue) {
     const QString frameId = document.isEmpty() ? mainFrameId_ : document.frameId;
     const World world = isolatedWorld(frameId);
     const QJsonObject reply = client_->call(QStringLiteral("Runtime.evaluate"),
@@ -244,13 +244,11 @@ QJsonObject CdpPage::evaluate(const DocumentRef& document, const QString& expres
             text = details.value(QStringLiteral("text")).toString();
         fail(QStringLiteral("Reading the page failed: %1").arg(text));
     }
-    QJsonObject result = reply.value(QStringLiteral("result")).toObject();
-    result.insert(QStringLiteral("__session"), world.sessionId);
-    return result;
+    return {reply.value(QStringLiteral("result")).toObject(), world.sessionId};
 }
 
 QJsonValue CdpPage::evaluateValue(const DocumentRef& document, const QString& expression) {
-    return evaluate(document, expression, true).value(QStringLiteral("value"));
+    return evaluate(document, expression, true).result.value(QStringLiteral("value"));
 }
 
 int CdpPage::frameCount() {
@@ -258,11 +256,11 @@ int CdpPage::frameCount() {
 }
 
 DocumentRef CdpPage::frameDocument(int index) {
-    const QJsonObject owner = evaluate(topDocument(), frameOwnerScript(index), false);
-    const QString objectId = owner.value(QStringLiteral("objectId")).toString();
+    const Evaluation owner = evaluate(topDocument(), frameOwnerScript(index), false);
+    const QString objectId = owner.result.value(QStringLiteral("objectId")).toString();
     if (objectId.isEmpty())
         fail(QStringLiteral("The page has no frame %1.").arg(index));
-    const QString sessionId = owner.value(QStringLiteral("__session")).toString();
+    const QString& sessionId = owner.sessionId;
     const QJsonObject node = client_
                                  ->call(QStringLiteral("DOM.describeNode"),
                                         {{QStringLiteral("objectId"), objectId}}, sessionId)

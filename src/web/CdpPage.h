@@ -61,7 +61,12 @@ private:
         int contextId = 0;
     };
     World isolatedWorld(const QString& frameId);
-    QJsonObject evaluate(const DocumentRef& document, const QString& expression, bool byValue);
+    // The script's result (a value, or a handle to an object) and the session that holds it.
+    struct Evaluation {
+        QJsonObject result;
+        QString sessionId;
+    };
+    Evaluation evaluate(const DocumentRef& document, const QString& expression, bool byValue);
     QJsonValue evaluateValue(const DocumentRef& document, const QString& expression);
     QStringList allFrameIds();
 

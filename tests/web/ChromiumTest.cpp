@@ -209,6 +209,19 @@ TEST_F(ChromiumSession, TwoFramesOfTwoSitesAreJoinedWithNothingBetween) {
     EXPECT_TRUE(logged().isEmpty()) << logged().join('\n').toStdString();
 }
 
+TEST_F(ChromiumSession, AFramedPageWaitsUntilTheCapUnlessCancelled) {
+    // Frames finish before the page: the first document complete is not the top one.
+    BrowserServices services = servicesFor(ports_, browser_->endpointText());
+    services.navigateWaitMs = 1500;
+    cIEObject ie(services);
+    ASSERT_TRUE(ie.InitializeObject());
+    QElapsedTimer clock;
+    clock.start();
+    ie.NavigateToUrl(url("/two.html"), true);
+    EXPECT_GE(clock.elapsed(), 1490);
+    EXPECT_TRUE(logged().isEmpty()) << logged().join('\n').toStdString();
+}
+
 TEST_F(ChromiumSession, ThreeFramesServeAllButTheLast) {
     load(*ie_, url("/three.html"));
     EXPECT_EQ(ie_->FrameCount(), 2);
