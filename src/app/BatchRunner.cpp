@@ -9,9 +9,9 @@
 #include "editor/MenuTable.h"
 #include "util/Utility.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace ed {
 
@@ -128,21 +128,78 @@ void writeLine(FILE* f, const QString& line) {
     std::fputc('\n', f);
 }
 
+// Loads FILE (or standard input) as the window does. A regular file is mapped rather than
+// copied: a big document then costs one decoding pass and no second buffer of its bytes.
+bool loadInput(const QString& path, LoadedDocument& doc, QString& error) {
+    if (path.isEmpty() || path == u"-") {
+        QFile in;
+        if (!in.open(stdin, QIODevice::ReadOnly)) {
+            error = QStringLiteral("cannot read standard input");
+            return false;
+        }
+        doc = decodeDocument(in.readAll(), QString());
+        return true;
+    }
+    QFile file(path);
+    if (QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) && file.size() > 0) {
+        if (const uchar* p = file.map(0, file.size())) {
+            doc = decodeDocument(
+                QByteArray::fromRawData(reinterpret_cast<const char*>(p), file.size()), path);
+            return true;
+        }
+    }
+    return readDocumentFile(path, doc, error);
+}
+
+// The --out target must be able to become a file: checked before anything runs.
+bool checkOutTarget(const QString& path, QString& error) {
+    if (path.isEmpty())
+        return true;
+    const QFileInfo fi(path);
+    if (fi.isDir()) {
+        error = QStringLiteral("%1 is a folder, not a file").arg(path);
+        return false;
+    }
+    if (!fi.absoluteDir().exists()) {
+        error = QStringLiteral("cannot write %1: the folder %2 does not exist")
+                    .arg(path, QDir::toNativeSeparators(fi.absolutePath()));
+        return false;
+    }
+    return true;
+}
+
+bool writeOutput(const QString& path, const QByteArray& bytes, FILE* out, QString& error) {
+    if (!path.isEmpty())
+        return writeFileAtomically(path, bytes, error);
+    if (std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out) != size_t(bytes.size()) ||
+        std::fflush(out) != 0) {
+        error = QStringLiteral("cannot write the document to standard output");
+        return false;
+    }
+    return true;
+}
+
+// What the error logger saw. Settings-store trouble is shown but is not a failure of the
+// commands: the store reports it under the start-up module.
+struct LoggedErrors {
+    QStringList lines;
+    int commandErrors = 0;
+
+    void add(const QString& module, const QString& location, const QString& detail) {
+        lines << QStringLiteral("Editor: error in %1 (%2)%3")
+                     .arg(location, module, detail.isEmpty() ? QString() : ": " + detail);
+        if (module != u"mStartUp")
+            ++commandErrors;
+    }
+};
+
 } // namespace
 
 int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
-    // Load the document the way the window does.
     LoadedDocument doc;
-    QString loadError;
-    if (o.inFile.isEmpty() || o.inFile == u"-") {
-        QFile in;
-        if (!in.open(stdin, QIODevice::ReadOnly)) {
-            writeLine(err, QStringLiteral("Editor: cannot read standard input"));
-            return 2;
-        }
-        doc = decodeDocument(in.readAll(), QString());
-    } else if (!readDocumentFile(o.inFile, doc, loadError)) {
-        writeLine(err, QStringLiteral("Editor: ") + loadError);
+    QString usageError;
+    if (!loadInput(o.inFile, doc, usageError) || !checkOutTarget(o.outFile, usageError)) {
+        writeLine(err, QStringLiteral("Editor: ") + usageError);
         return 2;
     }
 
@@ -151,34 +208,29 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
         if (o.report)
             reportLines << line;
     };
-    QStringList errors;
+    LoggedErrors errors;
     SystemClock clock;
     ProcessLauncher launcher;
     bool complete = true;
     ErrorLogger logger(clock, launcher, complete, startUp.exeName);
     logger.hooks().observer = [&](const QString& module, const QString& location,
-                                  const QString& detail) {
-        errors << QStringLiteral("Editor: error in %1 (%2)%3")
-                      .arg(location, module, detail.isEmpty() ? QString() : ": " + detail);
-    };
+                                  const QString& detail) { errors.add(module, location, detail); };
     SettingsStore store(&logger);
-    TextBuffer edit(doc.text);
+    TextBuffer edit(std::move(doc.text));
     ScriptedDialogs dialogs(report);
     MemoryClipboard clipboard;
     DeclaredMenuState menu;
     Utility util(logger);
     FormState form;
-    form.FileName = o.inFile.isEmpty() || o.inFile == u"-"
-                        ? QString()
-                        : QFileInfo(o.inFile).absoluteFilePath();
+    const bool fromStdin = o.inFile.isEmpty() || o.inFile == u"-";
+    form.FileName = fromStdin ? QString() : QFileInfo(o.inFile).absoluteFilePath();
     form.LastDir = form.FileName.isEmpty() ? QString() : QFileInfo(form.FileName).path() + u'/';
     form.caption = form.FileName;
     QuietWindow window(report);
     window.setCaption(form.FileName);
 
-    CommandContext ctx(edit,   dialogs, clipboard, AppSettings(store, startUp.RegKeyAppName),
-                       logger, clock,   launcher,  menu,
-                       util,   form,    window,    startUp);
+    CommandContext ctx(edit, dialogs, clipboard, AppSettings(store, startUp.RegKeyAppName), logger,
+                       clock, launcher, menu, util, form, window, startUp);
     ctx.run = [&](const QString& item) {
         if (const MenuItemDecl* d = findMenuItem(item))
             runMenuItem(*d, ctx);
@@ -202,24 +254,19 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
     for (const QString& line : reportLines)
         writeLine(err, line);
     if (o.report) {
-        writeLine(err, QStringLiteral("selection: %1,%2").arg(edit.selStart()).arg(edit.selLength()));
+        writeLine(err,
+                  QStringLiteral("selection: %1,%2").arg(edit.selStart()).arg(edit.selLength()));
         writeLine(err, QStringLiteral("clipboard: ") + escapeReport(clipboard.text()));
     }
-    for (const QString& e : errors)
+    for (const QString& e : errors.lines)
         writeLine(err, e);
 
-    const QByteArray bytes = encodeDocument(edit.text(), doc);
-    if (o.outFile.isEmpty()) {
-        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), out);
-        std::fflush(out);
-    } else {
-        QSaveFile f(o.outFile);
-        if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size() || !f.commit()) {
-            writeLine(err, QStringLiteral("Editor: cannot write %1: %2").arg(o.outFile, f.errorString()));
-            return 1;
-        }
+    QString writeError;
+    if (!writeOutput(o.outFile, encodeDocument(edit.text(), doc), out, writeError)) {
+        writeLine(err, QStringLiteral("Editor: ") + writeError);
+        return 1;
     }
-    return errors.isEmpty() ? 0 : 1;
+    return errors.commandErrors ? 1 : 0;
 }
 
 } // namespace ed
