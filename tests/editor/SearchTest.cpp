@@ -121,13 +121,11 @@ TEST(FindNext, CancelledPromptChangesNothing) {
 
 TEST(FindText, QuietSearchNeverAsksOrComplains) {
     Harness h(QStringLiteral("hay NEEDLE hay"));
-    h.clipboard.setText("clip");
     QString text = QStringLiteral("needle");
     FindText(h.ctx, text, nullptr, true);
     EXPECT_EQ(h.edit.selStart(), 4);
     EXPECT_EQ(h.edit.selLength(), 6);
     EXPECT_EQ(h.form.SearchPos, 11);
-    EXPECT_EQ(text, "needle");
 
     QString missing = QStringLiteral("absent");
     FindText(h.ctx, missing, nullptr, true);
@@ -135,32 +133,6 @@ TEST(FindText, QuietSearchNeverAsksOrComplains) {
     EXPECT_FALSE(h.menu.isEnabled("mnuFindNext"));
     EXPECT_TRUE(h.dialogs.prompts.empty());
     EXPECT_TRUE(h.dialogs.messages.empty());
-
-    QString none;
-    FindText(h.ctx, none, nullptr, true); // empty: nothing at all
-    EXPECT_EQ(h.setting("frmEdit", "Previous Search"), "absent");
-}
-
-TEST(FindText, NotQuietWithoutPositionTakesTheClipboard) {
-    Harness h(QStringLiteral("abc"));
-    h.clipboard.setText("b");
-    QString text = QStringLiteral("ignored");
-    h.dialogs.answers = {"c"};
-    FindText(h.ctx, text, nullptr, false);
-    EXPECT_EQ(text, "b");
-    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "b");
-    EXPECT_EQ(h.edit.selStart(), 2);
-}
-
-TEST(FindText, NegativeStartIsLoggedUnderItsLabel) {
-    Harness h(QStringLiteral("abc"));
-    h.setSetting("frmEdit", "Previous Search", "a");
-    QString none;
-    qint32 pos = -3;
-    FindText(h.ctx, none, &pos, false);
-    ASSERT_EQ(h.log.errors.size(), 1u);
-    EXPECT_EQ(h.log.errors[0].module, "frmEdit");
-    EXPECT_EQ(h.log.errors[0].location, "Sub FindText");
 }
 
 // The in-place search agrees with lower-casing both texts and searching, on random texts full of
@@ -192,16 +164,18 @@ TEST(IndexOfIgnoringCase, AgreesWithLowerCasingBoth) {
     }
 }
 
-// Replace...: selection or answers in, text, selection and messages out.
+// Replace...: selection and answers in; text, selection, the last message box and the remembered
+// replacement out.
 struct ReplaceCase {
     const char* name;
     QString text;
     int selStart, selLength;
-    std::vector<QString> answers;
+    QString answers;    // typed answers separated by "|"
     Answer emptyAnswer; // the reply to "Replace ... with an empty string?"
     QString expected;
     int expStart, expLength;
-    QString message; // the last message box, "" for none
+    QString message; // "" for none
+    QString savedWith;
 };
 void PrintTo(const ReplaceCase& c, std::ostream* os) {
     *os << c.name;
@@ -213,75 +187,47 @@ TEST_P(ReplaceTest, ReplacesExactlyAndSelectsFive) {
     const ReplaceCase& c = GetParam();
     Harness h(c.text);
     h.select(c.selStart, c.selLength);
-    for (const QString& a : c.answers)
+    for (const QString& a : c.answers.split(u'|', Qt::SkipEmptyParts))
         h.dialogs.answers.push_back(a);
     h.dialogs.buttonAnswers.push_back(c.emptyAnswer);
     h.run("mnuReplace");
     EXPECT_EQ(h.edit.text(), c.expected);
     EXPECT_EQ(h.edit.selStart(), c.expStart);
     EXPECT_EQ(h.edit.selLength(), c.expLength);
-    EXPECT_EQ(h.dialogs.messages.empty() ? QString() : h.dialogs.messages.back().text, c.message);
+    EXPECT_EQ(h.setting("frmEdit", "Replace with"), c.savedWith);
+    if (c.message.isEmpty()) {
+        EXPECT_TRUE(h.dialogs.messages.empty());
+    } else {
+        const MessageEvent& m = h.dialogs.messages.back();
+        EXPECT_EQ(m.text, c.message);
+        const bool notFound = c.message == u"String not found";
+        EXPECT_EQ(m.title, notFound ? defaultTitle() : "Replace with empty or cancel?");
+        EXPECT_EQ(m.buttons, notFound ? Buttons::Ok : Buttons::YesNo);
+        EXPECT_EQ(m.icon, notFound ? Icon::None : Icon::Question);
+    }
     EXPECT_TRUE(h.log.errors.empty());
 }
+
+const QString kNotFound = QStringLiteral("String not found");
+const QString kEmptyDash = QStringLiteral("Replace - with an empty string?");
+const QString kUnset = QStringLiteral("<unset>");
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ReplaceTest,
     ::testing::Values(
-        ReplaceCase{"CaseSensitive",
-                    "ABC",
-                    0,
-                    0,
-                    {"abc", "x"},
-                    Answer::No,
-                    "ABC",
-                    0,
-                    0,
-                    "String not found"},
-        ReplaceCase{"AllNonOverlapping", "aaaaa", 1, 0, {"aa", "b"}, Answer::No, "bba", 1, 2, ""},
-        ReplaceCase{"VbCrLfAnyCase",
-                    "a,b,,c",
-                    0,
-                    0,
-                    {",", "VBcrLF"},
-                    Answer::No,
-                    "a\r\nb\r\n\r\nc",
-                    0,
-                    5,
-                    ""},
-        ReplaceCase{"SelectionIsTheText",
-                    "foo bar foo",
-                    8,
-                    3,
-                    {"baz"},
-                    Answer::No,
-                    "baz bar baz",
-                    8,
-                    3,
-                    ""},
-        ReplaceCase{"EmptyDeclined",
-                    "a-b",
-                    0,
-                    0,
-                    {"-"},
-                    Answer::No,
-                    "a-b",
-                    0,
-                    0,
-                    "Replace - with an empty string?"},
-        ReplaceCase{"EmptyAccepted",
-                    "a-b-",
-                    2,
-                    0,
-                    {"-"},
-                    Answer::Yes,
-                    "ab",
-                    2,
-                    0,
-                    "Replace - with an empty string?"},
-        ReplaceCase{"Cancelled", "abc", 1, 0, {}, Answer::No, "abc", 1, 0, ""}),
+        // The replacement is remembered even when the text is not found.
+        ReplaceCase{"CaseSensitive", "ABC", 0, 0, "abc|x", Answer::No, "ABC", 0, 0, kNotFound, "x"},
+        ReplaceCase{"AllNonOverlapping", "aaaaa", 1, 0, "aa|b", Answer::No, "bba", 1, 2, "", "b"},
+        ReplaceCase{"VbCrLfAnyCase", "a,b,,c", 0, 0, ",|VBcrLF", Answer::No, "a\r\nb\r\n\r\nc", 0,
+                    5, "", "VBcrLF"},
+        ReplaceCase{"SelectionIsTheText", "foo bar foo", 8, 3, "baz", Answer::No, "baz bar baz", 8,
+                    3, "", "baz"},
+        ReplaceCase{"EmptyDeclined", "a-b", 0, 0, "-", Answer::No, "a-b", 0, 0, kEmptyDash, kUnset},
+        ReplaceCase{"EmptyAccepted", "a-b-", 2, 0, "-", Answer::Yes, "ab", 2, 0, kEmptyDash, ""},
+        ReplaceCase{"Cancelled", "abc", 1, 0, "", Answer::No, "abc", 1, 0, "", kUnset}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(Replace, PromptsAndRemembersAsTyped) {
+TEST(Replace, PromptTextsAndDefaults) {
     Harness h(QStringLiteral("x;y"));
     h.setSetting("frmEdit", "Previous Search", "old find");
     h.setSetting("frmEdit", "Replace with", "old with");
@@ -297,37 +243,14 @@ TEST(Replace, PromptsAndRemembersAsTyped) {
     EXPECT_EQ(h.dialogs.prompts[1].title, defaultTitle());
     EXPECT_EQ(h.dialogs.prompts[1].defaultAnswer, "old with");
     EXPECT_EQ(h.setting("frmEdit", "Previous Search"), ";");
-    EXPECT_EQ(h.setting("frmEdit", "Replace with"), "vbcrlf");
     EXPECT_EQ(h.edit.text(), "x\r\ny");
-    EXPECT_EQ(h.edit.assignments(), 1);
-
-    Harness miss(QStringLiteral("ABC"));
-    miss.dialogs.answers = {"abc", "z"};
-    miss.run("mnuReplace");
-    ASSERT_EQ(miss.dialogs.messages.size(), 1u);
-    EXPECT_EQ(miss.dialogs.messages[0].title, defaultTitle());
-    EXPECT_EQ(miss.dialogs.messages[0].icon, Icon::None);
-    EXPECT_EQ(miss.dialogs.messages[0].buttons, Buttons::Ok);
-    EXPECT_EQ(miss.setting("frmEdit", "Replace with"), "z"); // saved before the search
-    EXPECT_EQ(miss.edit.assignments(), 0);
-
-    Harness empty(QStringLiteral("a"));
-    empty.dialogs.answers = {"a"};
-    empty.run("mnuReplace");
-    ASSERT_EQ(empty.dialogs.messages.size(), 1u);
-    EXPECT_EQ(empty.dialogs.messages[0].title, "Replace with empty or cancel?");
-    EXPECT_EQ(empty.dialogs.messages[0].buttons, Buttons::YesNo);
-    EXPECT_EQ(empty.dialogs.messages[0].icon, Icon::Question);
-    EXPECT_EQ(empty.setting("frmEdit", "Replace with"), "<unset>");
 }
 
 TEST(ToolsMenu, OffersNotepadWhenTheFileExistsAndFindAfterASuccess) {
     const QString dir = makeTempDir();
     const QString present = dir + "/browser.exe";
-    {
-        QFile f(present);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    }
+    QFile file(present);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     struct Case {
         QString path;
         qint32 searchPos;
