@@ -21,8 +21,8 @@ struct RtfCharFormat {
     friend bool operator==(const RtfCharFormat&, const RtfCharFormat&) = default;
 };
 
-// A run's text never holds control characters other than tab; QChar::LineSeparator marks a
-// line break inside the paragraph (RTF's \line). Runs are never empty, and two neighbours in a
+// A run's text never holds NUL, CR, LF or QChar::ParagraphSeparator; QChar::LineSeparator marks
+// a line break inside the paragraph (RTF's \line). Runs are never empty, and two neighbours in a
 // paragraph never share the same format.
 struct RtfRun {
     QString text;

@@ -91,6 +91,8 @@ constexpr auto kWords = std::to_array<WordEntry>({
     {"author", Word::SkipDestination},
     {"b", Word::Bold},
     {"bin", Word::Bin},
+    {"bkmkend", Word::SkipDestination},
+    {"bkmkstart", Word::SkipDestination},
     {"blue", Word::Blue},
     {"bullet", Word::Char, 0x2022},
     {"cell", Word::Cell},
@@ -101,6 +103,7 @@ constexpr auto kWords = std::to_array<WordEntry>({
     {"cpg", Word::Cpg},
     {"creatim", Word::SkipDestination},
     {"deff", Word::Deff},
+    {"deleted", Word::Hidden},
     {"doccomm", Word::SkipDestination},
     {"emdash", Word::Char, 0x2014},
     {"emspace", Word::Char, 0x2003},
@@ -136,6 +139,7 @@ constexpr auto kWords = std::to_array<WordEntry>({
     {"mac", Word::Mac},
     {"nestcell", Word::Cell},
     {"nestrow", Word::Row},
+    {"nonesttables", Word::SkipDestination},
     {"nonshppict", Word::SkipDestination},
     {"operator", Word::SkipDestination},
     {"page", Word::Line},
@@ -155,6 +159,7 @@ constexpr auto kWords = std::to_array<WordEntry>({
     {"rsidtbl", Word::SkipDestination},
     {"rtlmark", Word::Char, 0x200F},
     {"sect", Word::Par},
+    {"shpinst", Word::SkipDestination},
     {"stylesheet", Word::SkipDestination},
     {"subject", Word::SkipDestination},
     {"tab", Word::Char, u'\t'},
@@ -720,7 +725,7 @@ void Parser::put(char32_t cp) {
             breakParagraph();
         return;
     }
-    if (cp < 0x20 && cp != u'\t')
+    if (cp == 0 || cp == u'\r' || cp == u'\n') // raw line breaks carry no meaning in RTF
         return;
     if (cp == 0xFDD0 || cp == 0xFDD1) // the text document's frame markers
         cp = kReplacement;
@@ -793,7 +798,7 @@ void Parser::endParagraph() {
 
 void Parser::finish() {
     flushBytes();
-    if (highSurrogate_)
+    if (std::exchange(highSurrogate_, 0))
         put(kReplacement);
     endParagraph();
 }
