@@ -6,32 +6,67 @@ namespace ed {
 
 namespace {
 
-// Writes f(character, position) for every character of `src` to `out` (room for src.size()
-// units). A mapping that would change the number of UTF-16 units keeps the character as it is;
-// a lone surrogate is copied unchanged.
-template <class F> void mapCharacters(QStringView src, QChar* out, F&& f) {
+// Text is mostly ASCII: blocks of ASCII characters are mapped by simple loops the compiler can
+// keep branch-free, everything else one character at a time.
+constexpr qsizetype kBlock = 16;
+
+bool asciiBlock(const char16_t* p) {
+    char16_t any = 0;
+    for (qsizetype k = 0; k < kBlock; ++k)
+        any |= p[k];
+    return any < 0x80;
+}
+
+char16_t asciiLower(char16_t c) {
+    return char16_t(c + (char16_t(c - u'A') < 26 ? 32 : 0));
+}
+char16_t asciiUpper(char16_t c) {
+    return char16_t(c - (char16_t(c - u'a') < 26 ? 32 : 0));
+}
+bool asciiBoundary(char16_t c) {
+    return c == u' ' || char16_t(c - 9) < 5 || c == 0;
+}
+
+// Writes f(character, position) for the character at `i` (one unit, or a surrogate pair) and
+// returns the number of units it takes. A mapping that would change the number of units keeps
+// the character as it is; a lone surrogate is copied unchanged.
+template <class F>
+qsizetype mapOne(const char16_t* in, qsizetype n, qsizetype i, char16_t* out, F& f) {
+    const char16_t c = in[i];
+    if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(in[i + 1])) {
+        const char32_t m = f(QChar::surrogateToUcs4(c, in[i + 1]), i);
+        const bool fits = QChar::requiresSurrogates(m);
+        out[i] = fits ? QChar::highSurrogate(m) : c;
+        out[i + 1] = fits ? QChar::lowSurrogate(m) : in[i + 1];
+        return 2;
+    }
+    if (QChar::isSurrogate(c)) {
+        out[i] = c;
+        return 1;
+    }
+    const char32_t m = f(char32_t(c), i);
+    out[i] = QChar::requiresSurrogates(m) ? c : char16_t(m);
+    return 1;
+}
+
+// Maps all of `src` into `out` (room for src.size() units): ASCII blocks through
+// block(in, out, position), other characters through f(character, position).
+template <class B, class F> void mapText(QStringView src, char16_t* out, B&& block, F&& f) {
+    const char16_t* in = src.utf16();
     const qsizetype n = src.size();
-    const QChar* in = src.data();
-    for (qsizetype i = 0; i < n; ++i) {
-        const QChar c = in[i];
-        if (c.isHighSurrogate() && i + 1 < n && in[i + 1].isLowSurrogate()) {
-            const char32_t cp = QChar::surrogateToUcs4(c, in[i + 1]);
-            const char32_t m = f(cp, i);
-            if (QChar::requiresSurrogates(m)) {
-                out[i] = QChar(QChar::highSurrogate(m));
-                out[i + 1] = QChar(QChar::lowSurrogate(m));
-            } else {
-                out[i] = c;
-                out[i + 1] = in[i + 1];
-            }
-            ++i;
-        } else if (c.isSurrogate()) {
-            out[i] = c;
+    qsizetype i = 0;
+    while (i < n) {
+        if (n - i >= kBlock && asciiBlock(in + i)) {
+            block(in + i, out + i, i);
+            i += kBlock;
         } else {
-            const char32_t m = f(char32_t(c.unicode()), i);
-            out[i] = QChar::requiresSurrogates(m) ? c : QChar(char16_t(m));
+            i += mapOne(in, n, i, out, f);
         }
     }
+}
+
+char16_t* units(QString& s) {
+    return reinterpret_cast<char16_t*>(s.data());
 }
 
 char32_t lowerOf(char32_t c) {
@@ -56,40 +91,130 @@ bool isWordBoundary(char32_t c) {
     return QChar::isSpace(c);
 }
 
+// Full case conversion in one pass. Almost every character maps to one character; the few whose
+// full mapping is longer (German sharp s to "SS", dotted capital I to "i" and a combining dot,
+// ligatures, ...) are converted one by one, so the text grows without being copied again.
+QString convertCase(QStringView s, bool upper) {
+    const qsizetype n = s.size();
+    const QChar* in = s.data();
+    QString out(n, Qt::Uninitialized);
+    QChar* d = out.data();
+    qsizetype o = 0;
+    auto room = [&](qsizetype need) {
+        if (o + need > out.size()) {
+            out.resize(qMax(out.size() + out.size() / 2, o + need) + 16);
+            d = out.data();
+        }
+    };
+    const char16_t* raw = s.utf16();
+    for (qsizetype i = 0; i < n; ++i) {
+        if (n - i >= kBlock && asciiBlock(raw + i)) {
+            room(kBlock);
+            char16_t* w = reinterpret_cast<char16_t*>(d + o);
+            if (upper)
+                for (qsizetype k = 0; k < kBlock; ++k)
+                    w[k] = asciiUpper(raw[i + k]);
+            else
+                for (qsizetype k = 0; k < kBlock; ++k)
+                    w[k] = asciiLower(raw[i + k]);
+            o += kBlock;
+            i += kBlock - 1;
+            continue;
+        }
+        const QChar c = in[i];
+        if (c.unicode() < 0x80) {
+            room(1);
+            d[o++] = QChar(char16_t(upper ? upperOf(c.unicode()) : lowerOf(c.unicode())));
+            continue;
+        }
+        char32_t cp = c.unicode();
+        qsizetype units = 1;
+        if (c.isHighSurrogate() && i + 1 < n && in[i + 1].isLowSurrogate()) {
+            cp = QChar::surrogateToUcs4(c, in[i + 1]);
+            units = 2;
+        }
+        const char32_t simple = upper ? QChar::toUpper(cp) : QChar::toLower(cp);
+        const QChar::Category cat = QChar::category(cp);
+        const bool mayExpand =
+            (simple == cp && cat == (upper ? QChar::Letter_Lowercase : QChar::Letter_Uppercase)) ||
+            cat == QChar::Letter_Titlecase;
+        if (mayExpand) {
+            const QString one = QStringView(in + i, units).toString();
+            const QString full = upper ? one.toUpper() : one.toLower();
+            room(full.size());
+            for (QChar f : full)
+                d[o++] = f;
+        } else if (QChar::requiresSurrogates(simple)) {
+            room(2);
+            d[o++] = QChar(QChar::highSurrogate(simple));
+            d[o++] = QChar(QChar::lowSurrogate(simple));
+        } else {
+            room(1);
+            d[o++] = QChar(char16_t(simple));
+        }
+        i += units - 1;
+    }
+    out.truncate(o);
+    return out;
+}
+
 QString lowered(QStringView s) {
-    return s.toString().toLower();
+    return convertCase(s, false);
 }
 QString uppered(QStringView s) {
-    return s.toString().toUpper();
+    return convertCase(s, true);
 }
 
 } // namespace
 
 void lowerSameLength(QStringView src, QString& dst) {
     dst.resize(src.size());
-    mapCharacters(src, dst.data(), [](char32_t c, qsizetype) { return lowerOf(c); });
+    mapText(
+        src, units(dst),
+        [](const char16_t* in, char16_t* out, qsizetype) {
+            for (qsizetype k = 0; k < kBlock; ++k)
+                out[k] = asciiLower(in[k]);
+        },
+        [](char32_t c, qsizetype) { return lowerOf(c); });
 }
 
 QString properCase(QStringView s) {
     QString out(s.size(), Qt::Uninitialized);
     bool wordStart = true;
-    mapCharacters(s, out.data(), [&](char32_t c, qsizetype) {
-        if (isWordBoundary(c)) {
-            wordStart = true;
-            return c;
-        }
-        const char32_t m = wordStart ? titleOf(c) : lowerOf(c);
-        wordStart = false;
-        return m;
-    });
+    mapText(
+        s, units(out),
+        [&](const char16_t* in, char16_t* o, qsizetype) {
+            bool start = wordStart;
+            for (qsizetype k = 0; k < kBlock; ++k) {
+                const char16_t c = in[k];
+                const bool boundary = asciiBoundary(c);
+                o[k] = boundary ? c : start ? asciiUpper(c) : asciiLower(c);
+                start = boundary;
+            }
+            wordStart = start;
+        },
+        [&](char32_t c, qsizetype) {
+            if (isWordBoundary(c)) {
+                wordStart = true;
+                return c;
+            }
+            const char32_t m = wordStart ? titleOf(c) : lowerOf(c);
+            wordStart = false;
+            return m;
+        });
     return out;
 }
 
 QString crippledCase(QStringView s) {
-    QString out(s.size(), Qt::Uninitialized);
     // Position i + 1 (1-based) is even when the 0-based index i is odd.
-    mapCharacters(s, out.data(),
-                  [](char32_t c, qsizetype i) { return i % 2 ? upperOf(lowerOf(c)) : lowerOf(c); });
+    QString out(s.size(), Qt::Uninitialized);
+    mapText(
+        s, units(out),
+        [](const char16_t* in, char16_t* o, qsizetype i) {
+            for (qsizetype k = 0; k < kBlock; ++k)
+                o[k] = (i + k) % 2 ? asciiUpper(in[k]) : asciiLower(in[k]);
+        },
+        [](char32_t c, qsizetype i) { return i % 2 ? upperOf(lowerOf(c)) : lowerOf(c); });
     return out;
 }
 

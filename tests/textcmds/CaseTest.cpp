@@ -40,6 +40,9 @@ INSTANTIATE_TEST_SUITE_P(
         CaseCase{"mnuConvertToLowerCase", "AB   CD", 2, 3, "AB   CD", 2},
         CaseCase{"mnuConvertToUpperCase", "xxabyy", 2, 2, "xxAByy", 2},
         CaseCase{"mnuConvertToUpperCase", "straße 😀x", 0, 0, "STRASSE 😀X", -1},
+        // Full mappings that change the length.
+        CaseCase{"mnuConvertToUpperCase", "ﬀ ǅ ß 𐐨", 0, 0, "FF Ǆ SS 𐐀", -1},
+        CaseCase{"mnuConvertToLowerCase", "İI ǅ 𐐀", 0, 0, "i\u0307i ǆ 𐐨", -1},
         // ... but not for proper case, which then converts the whole text.
         CaseCase{"mnuConvertToProperCase", "ab   cd", 2, 3, "Ab   Cd", -1},
         CaseCase{"mnuConvertToProperCase", "xx hELLO wORLD yy", 3, 11, "xx Hello World yy", 3},
