@@ -1,4 +1,5 @@
 #include "textcmds/LineFilters.h"
+#include "textcmds/LineFiltersSupport.h"
 
 #include "app/Trap.h"
 #include "support/Fakes.h"
@@ -256,6 +257,9 @@ TEST(LowerCaser, EqualsFullUnicodeLowering) {
                                QStringLiteral("\u0130I\u0130 long line with dotted capitals"),
                                QStringLiteral("Q"),
                                QStringLiteral("\u212A\u212B \U00010400\U00010401 DESERET"),
+                               QStringLiteral("ABCDEFGHIJKLMNOP\u00C4\u0130QRS"),
+                               QStringLiteral("ABCDEFGH\u212A"),
+                               QStringLiteral("@AZ[`az{\u00C0\u00DE\u00DF"),
                                QStringLiteral("@[`{")};
     LowerCaser lower;
     for (const QString& line : lines)

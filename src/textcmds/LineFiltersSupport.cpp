@@ -1,0 +1,129 @@
+#include "textcmds/LineFiltersSupport.h"
+
+#include "app/Trap.h"
+
+#include <limits>
+
+namespace ed {
+
+std::optional<qint32> roundedInt32(QStringView s) {
+    auto isSpace = [](QChar c) { return c == u' ' || c == u'\t'; };
+    qsizetype b = 0, e = s.size();
+    while (b < e && isSpace(s[b]))
+        ++b;
+    while (e > b && isSpace(s[e - 1]))
+        --e;
+    bool negative = false;
+    if (b < e && (s[b] == u'+' || s[b] == u'-')) {
+        negative = s[b] == u'-';
+        ++b;
+    }
+    // Whole part, saturated well above the 32-bit range so that a long run of digits cannot wrap.
+    constexpr quint64 kSaturated = quint64(1) << 40;
+    quint64 magnitude = 0;
+    qsizetype digits = 0;
+    while (b < e && s[b] >= u'0' && s[b] <= u'9') {
+        magnitude = qMin(kSaturated, magnitude * 10 + quint64(s[b].unicode() - u'0'));
+        ++digits;
+        ++b;
+    }
+    int firstFraction = 0;    // the first digit after the point
+    bool restNonZero = false; // any later fraction digit other than 0
+    if (b < e && s[b] == u'.') {
+        ++b;
+        for (qsizetype k = 0; b < e && s[b] >= u'0' && s[b] <= u'9'; ++k, ++b, ++digits) {
+            const int d = s[b].unicode() - u'0';
+            if (k == 0)
+                firstFraction = d;
+            else if (d != 0)
+                restNonZero = true;
+        }
+    }
+    if (b != e || digits == 0)
+        return std::nullopt;
+
+    const bool up = firstFraction > 5 || (firstFraction == 5 && (restNonZero || magnitude % 2));
+    if (up)
+        ++magnitude;
+    const qint64 value = negative ? -qint64(magnitude) : qint64(magnitude);
+    if (value < std::numeric_limits<qint32>::min() || value > std::numeric_limits<qint32>::max())
+        throw RuntimeError("Overflow");
+    return qint32(value);
+}
+
+bool LowerCaser::lowersDifferently(char16_t c) {
+    if (!checked_[c]) {
+        checked_[c] = true;
+        const QString full = QString(QChar(c)).toLower();
+        different_[c] = full.size() != 1 || full[0].unicode() != QChar::toLower(char32_t(c));
+    }
+    return different_[c];
+}
+
+QStringView LowerCaser::operator()(QStringView s) {
+    const qsizetype n = s.size();
+    if (buffer_.size() < n)
+        buffer_.resize(n);
+    auto* d = reinterpret_cast<char16_t*>(buffer_.data());
+    const char16_t* p = s.utf16();
+    qsizetype i = 0;
+#ifdef __SSE2__
+    // Eight ASCII characters at a time: 'A'..'Z' get 0x20 added.
+    const __m128i nonAscii = _mm_set1_epi16(short(0xFF80));
+    const __m128i beforeA = _mm_set1_epi16(u'A' - 1);
+    const __m128i afterZ = _mm_set1_epi16(u'Z' + 1);
+    const __m128i caseBit = _mm_set1_epi16(0x20);
+    for (; i + 8 <= n; i += 8) {
+        __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+        if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(v, nonAscii), _mm_setzero_si128())) !=
+            0xFFFF)
+            break;
+        const __m128i upper =
+            _mm_and_si128(_mm_cmpgt_epi16(v, beforeA), _mm_cmplt_epi16(v, afterZ));
+        v = _mm_add_epi16(v, _mm_and_si128(upper, caseBit));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), v);
+    }
+#endif
+    for (; i < n; ++i) {
+        const char16_t c = p[i];
+        if (c < 0x80) {
+            d[i] = char16_t(c - u'A') < 26 ? char16_t(c + 32) : c;
+            continue;
+        }
+        // Outside ASCII one character at a time is right unless the character is half of a
+        // pair or lowers into more than one character: then the whole line goes through the
+        // full conversion, in place in the buffer.
+        if (QChar::isSurrogate(c) || lowersDifferently(c)) {
+            buffer_.resize(n);
+            d = reinterpret_cast<char16_t*>(buffer_.data());
+            std::memcpy(d, p, size_t(n) * sizeof(char16_t));
+            buffer_ = std::move(buffer_).toLower();
+            return QStringView(buffer_);
+        }
+        d[i] = char16_t(QChar::toLower(char32_t(c)));
+    }
+    return QStringView(d, n);
+}
+
+std::vector<QStringView> splitCrLfLines(QStringView text) {
+    std::vector<QStringView> lines;
+    lines.reserve(size_t(text.size() / 16 + 1)); // address space only until it is written
+    adviseHugePages(lines.data(), lines.capacity() * sizeof(QStringView));
+    forEachCrLfLine(text, [&](QStringView line) { lines.push_back(line); });
+    return lines;
+}
+
+LineWriter::LineWriter(qsizetype capacity) : out_(capacity, Qt::Uninitialized) {
+    adviseHugePages(out_.constData(), size_t(capacity) * sizeof(QChar));
+    next_ = reinterpret_cast<char16_t*>(out_.data());
+    end_ = next_ + capacity;
+}
+
+QString LineWriter::finish() && {
+    out_.truncate(next_ - reinterpret_cast<const char16_t*>(out_.constData()));
+    if (out_.size() < out_.capacity() / 2)
+        out_.squeeze(); // a document that lost most of its lines should not keep the room
+    return std::move(out_);
+}
+
+} // namespace ed
