@@ -1,13 +1,12 @@
 #include "editor/RtfReader.h"
 
 #include "editor/RtfCodepage.h"
+#include "editor/RtfWords.h"
 
 #include <QHash>
 
 #include <algorithm>
-#include <array>
 #include <limits>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,6 +15,8 @@ namespace ed {
 namespace {
 
 using rtf::kWesternCodepage;
+using rtf::Word;
+using rtf::WordEntry;
 
 // Real files nest a few dozen groups deep; anything near this is damage or an attack.
 constexpr int kMaxDepth = 1000;
@@ -32,177 +33,6 @@ enum class Dest : quint8 {
     Upr,        // the ANSI half of \upr; its \ud half holds the real text
     Skip,       // ignored entirely, nested groups included
 };
-
-enum class Word : quint8 {
-    Unknown,
-    SkipDestination,
-    Ansi,
-    Ansicpg,
-    Bin,
-    Blue,
-    Bold,
-    Cell,
-    ColorTable,
-    Cpg,
-    Deff,
-    Fcharset,
-    Font,
-    FontSize,
-    FontTable,
-    Green,
-    Hidden,
-    Italic,
-    Line,
-    Mac,
-    Par,
-    Pc,
-    Pca,
-    Plain,
-    Red,
-    Row,
-    Char,
-    Color,
-    Uc,
-    Ud,
-    Underline,
-    UnderlineNone,
-    Unicode,
-    Upr,
-};
-
-struct WordEntry {
-    std::string_view name;
-    Word word;
-    char16_t ch = 0; // for Word::Char
-};
-
-// Every control word the reader acts on, sorted by name for a binary search.
-constexpr auto kWords = std::to_array<WordEntry>({
-    {"aftncn", Word::SkipDestination},
-    {"aftnsep", Word::SkipDestination},
-    {"aftnsepc", Word::SkipDestination},
-    {"annotation", Word::SkipDestination},
-    {"ansi", Word::Ansi},
-    {"ansicpg", Word::Ansicpg},
-    {"atnauthor", Word::SkipDestination},
-    {"atndate", Word::SkipDestination},
-    {"atnid", Word::SkipDestination},
-    {"atnref", Word::SkipDestination},
-    {"author", Word::SkipDestination},
-    {"b", Word::Bold},
-    {"bin", Word::Bin},
-    {"bkmkend", Word::SkipDestination},
-    {"bkmkstart", Word::SkipDestination},
-    {"blue", Word::Blue},
-    {"bullet", Word::Char, 0x2022},
-    {"cell", Word::Cell},
-    {"cf", Word::Color},
-    {"colortbl", Word::ColorTable},
-    {"column", Word::Line},
-    {"comment", Word::SkipDestination},
-    {"cpg", Word::Cpg},
-    {"creatim", Word::SkipDestination},
-    {"deff", Word::Deff},
-    {"deleted", Word::Hidden},
-    {"doccomm", Word::SkipDestination},
-    {"emdash", Word::Char, 0x2014},
-    {"emspace", Word::Char, 0x2003},
-    {"endash", Word::Char, 0x2013},
-    {"enspace", Word::Char, 0x2002},
-    {"f", Word::Font},
-    {"fcharset", Word::Fcharset},
-    {"filetbl", Word::SkipDestination},
-    {"fonttbl", Word::FontTable},
-    {"footer", Word::SkipDestination},
-    {"footerf", Word::SkipDestination},
-    {"footerl", Word::SkipDestination},
-    {"footerr", Word::SkipDestination},
-    {"footnote", Word::SkipDestination},
-    {"fs", Word::FontSize},
-    {"ftncn", Word::SkipDestination},
-    {"ftnsep", Word::SkipDestination},
-    {"ftnsepc", Word::SkipDestination},
-    {"green", Word::Green},
-    {"header", Word::SkipDestination},
-    {"headerf", Word::SkipDestination},
-    {"headerl", Word::SkipDestination},
-    {"headerr", Word::SkipDestination},
-    {"i", Word::Italic},
-    {"info", Word::SkipDestination},
-    {"keywords", Word::SkipDestination},
-    {"ldblquote", Word::Char, 0x201C},
-    {"line", Word::Line},
-    {"listoverridetable", Word::SkipDestination},
-    {"listtable", Word::SkipDestination},
-    {"lquote", Word::Char, 0x2018},
-    {"ltrmark", Word::Char, 0x200E},
-    {"mac", Word::Mac},
-    {"nestcell", Word::Cell},
-    {"nestrow", Word::Row},
-    {"nonesttables", Word::SkipDestination},
-    {"nonshppict", Word::SkipDestination},
-    {"operator", Word::SkipDestination},
-    {"page", Word::Line},
-    {"par", Word::Par},
-    {"pc", Word::Pc},
-    {"pca", Word::Pca},
-    {"pict", Word::SkipDestination},
-    {"plain", Word::Plain},
-    {"printim", Word::SkipDestination},
-    {"qmspace", Word::Char, 0x2005},
-    {"rdblquote", Word::Char, 0x201D},
-    {"red", Word::Red},
-    {"revtbl", Word::SkipDestination},
-    {"revtim", Word::SkipDestination},
-    {"row", Word::Row},
-    {"rquote", Word::Char, 0x2019},
-    {"rsidtbl", Word::SkipDestination},
-    {"rtlmark", Word::Char, 0x200F},
-    {"sect", Word::Par},
-    {"shpinst", Word::SkipDestination},
-    {"stylesheet", Word::SkipDestination},
-    {"subject", Word::SkipDestination},
-    {"tab", Word::Char, u'\t'},
-    {"tc", Word::SkipDestination},
-    {"template", Word::SkipDestination},
-    {"themedata", Word::SkipDestination},
-    {"title", Word::SkipDestination},
-    {"txe", Word::SkipDestination},
-    {"u", Word::Unicode},
-    {"uc", Word::Uc},
-    {"ud", Word::Ud},
-    {"ul", Word::Underline},
-    {"uld", Word::Underline},
-    {"uldash", Word::Underline},
-    {"uldashd", Word::Underline},
-    {"uldashdd", Word::Underline},
-    {"uldb", Word::Underline},
-    {"ulhwave", Word::Underline},
-    {"ulldash", Word::Underline},
-    {"ulnone", Word::UnderlineNone},
-    {"ulth", Word::Underline},
-    {"ulthd", Word::Underline},
-    {"ulthdash", Word::Underline},
-    {"ulthdashd", Word::Underline},
-    {"ulthdashdd", Word::Underline},
-    {"ulthldash", Word::Underline},
-    {"ululdbwave", Word::Underline},
-    {"ulw", Word::Underline},
-    {"ulwave", Word::Underline},
-    {"upr", Word::Upr},
-    {"v", Word::Hidden},
-    {"xe", Word::SkipDestination},
-    {"xmlnstbl", Word::SkipDestination},
-    {"zwj", Word::Char, 0x200D},
-    {"zwnj", Word::Char, 0x200C},
-});
-
-static_assert(std::ranges::is_sorted(kWords, {}, &WordEntry::name));
-
-const WordEntry* findWord(std::string_view name) {
-    const auto it = std::ranges::lower_bound(kWords, name, {}, &WordEntry::name);
-    return it != kWords.end() && it->name == name ? &*it : nullptr;
-}
 
 bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
@@ -283,6 +113,7 @@ private:
     void controlWord();
     void controlSymbol(char c);
     void word(std::string_view name, bool hasParam, int param);
+    bool startDestination(Word w);
     bool enterContent();
     bool consumeFallback();
     void textByte(unsigned char b, bool escaped);
@@ -490,9 +321,43 @@ bool Parser::consumeFallback() {
     return true;
 }
 
+// The first control word of a group may name a destination: where the group's text goes.
+// True when the word did that and needs nothing more.
+bool Parser::startDestination(Word w) {
+    groupStart_ = false;
+    const bool starred = std::exchange(starPending_, false);
+    GroupState& st = top();
+    switch (w) {
+    case Word::FontTable:
+        st.dest = Dest::FontTable;
+        fontName_.clear();
+        fontNamePending_ = false;
+        return true;
+    case Word::ColorTable:
+        st.dest = Dest::ColorTable;
+        colors_.clear();
+        return true;
+    case Word::Upr:
+        st.uprOuter = st.dest;
+        st.dest = Dest::Upr;
+        return true;
+    case Word::Ud:
+        st.dest = st.uprOuter;
+        return true;
+    case Word::SkipDestination:
+        st.dest = Dest::Skip;
+        return true;
+    default:
+        // \* marks a destination a reader may ignore; this one is unknown here.
+        if (starred)
+            st.dest = Dest::Skip;
+        return starred;
+    }
+}
+
 void Parser::word(std::string_view name, bool hasParam, int param) {
     flushBytes();
-    const WordEntry* entry = findWord(name);
+    const WordEntry* entry = rtf::findWord(name);
     const Word w = entry ? entry->word : Word::Unknown;
     GroupState& st = top();
     if (w == Word::Bin) {
@@ -505,36 +370,8 @@ void Parser::word(std::string_view name, bool hasParam, int param) {
     }
     if (st.dest == Dest::Skip)
         return;
-    if (groupStart_) {
-        groupStart_ = false;
-        const bool starred = std::exchange(starPending_, false);
-        switch (w) {
-        case Word::FontTable:
-            st.dest = Dest::FontTable;
-            fontName_.clear();
-            fontNamePending_ = false;
-            return;
-        case Word::ColorTable:
-            st.dest = Dest::ColorTable;
-            colors_.clear();
-            return;
-        case Word::Upr:
-            st.uprOuter = st.dest;
-            st.dest = Dest::Upr;
-            return;
-        case Word::Ud:
-            st.dest = st.uprOuter;
-            return;
-        case Word::SkipDestination:
-            st.dest = Dest::Skip;
-            return;
-        default:
-            if (starred) {
-                st.dest = Dest::Skip;
-                return;
-            }
-        }
-    }
+    if (groupStart_ && startDestination(w))
+        return;
     if (consumeFallback())
         return;
     const bool on = !hasParam || param != 0;
