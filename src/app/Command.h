@@ -15,6 +15,8 @@ namespace ed {
 
 class Utility;
 class BrowserPort;
+class SiteListState;
+class UndoHistory;
 
 // Fields of the editor window that commands read and change.
 struct FormState {
@@ -107,6 +109,10 @@ struct CommandContext {
     BrowserPort* browser = nullptr;
     DocumentFiles* files = nullptr;
     FormGeometry* geometry = nullptr;
+    // The window's undo/redo history of whole commands.
+    UndoHistory* history = nullptr;
+    // The window's site-list walk (list, index and timer).
+    SiteListState* siteList = nullptr;
     // Runs another command of the registry by its item name (Save As runs Save, and so on).
     std::function<void(const QString& item)> run;
     // The quiet search of the command line (selects the first match, no message on a miss).

@@ -28,6 +28,11 @@ public:
         length_ = qBound(0, length, int(text_.size()) - start_);
     }
     QString selText() const override { return text_.mid(start_, length_); }
+    void replaceRange(int start, int length, const QString& replacement) override {
+        text_.replace(start, length, replacement);
+        start_ = qBound(0, start_, int(text_.size()));
+        length_ = qBound(0, length_, int(text_.size()) - start_);
+    }
 
     // How many whole-text assignments were made (tests check "one final assignment").
     int assignments() const { return assignments_; }

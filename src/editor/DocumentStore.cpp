@@ -59,6 +59,8 @@ bool WidgetDocumentFiles::loadRtf(const QByteArray& bytes, QString& error) {
         edit_.setText(QString());
         return false;
     }
+    widgetEdit_.setRich(true);
+    widgetEdit_.takeUserEdited();
     return true;
 }
 

@@ -3,13 +3,19 @@
 #include "editor/AboutBox.h"
 #include "editor/DocumentStore.h"
 #include "editor/FormLoad.h"
+#include "editor/HistoryCommands.h"
+#include "editor/SearchCommands.h"
+#include "editor/UndoHistory.h"
 #include "editor/LinkMenu.h"
 #include "editor/MenuTable.h"
 #include "editor/PlainTextEditControl.h"
+#include "web/BrowserPort.h"
+#include "web/SiteList.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QStatusBar>
@@ -36,33 +42,64 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     setCentralWidget(text_);
     edit_ = new PlainTextEditControl(text_);
     files_ = std::make_unique<WidgetDocumentFiles>(*edit_);
-    ctx_ = std::make_unique<CommandContext>(*edit_, dialogs_, clipboard_,
-                                            AppSettings(store_, startUp_.RegKeyAppName), logger_,
-                                            clock_, launcher_, menu_, util_, form_, *this, startUp_);
-    ctx_->view = edit_;
-    ctx_->fileDialogs = &fileDialogs_;
-    ctx_->files = files_.get();
-    ctx_->geometry = &geometry_;
-    ctx_->run = [this](const QString& item) { trigger(item); };
+    history_ = std::make_unique<UndoHistory>();
+    browser_ = std::make_unique<web::DevToolsBrowserPort>(
+        AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_, &fileDialogs_);
+    siteList_ = std::make_unique<SiteListState>(std::make_unique<QtSiteTimer>());
+    siteList_->tmrSiteList->onTick([this] { tmrSiteList_Timer(*ctx_); });
+    text_->installEventFilter(this);
+    makeContext(dialogs_, &fileDialogs_);
     buildMenus();
     statusBar();
 }
 
 EditorWindow::~EditorWindow() = default;
 
-void EditorWindow::setDialogs(Dialogs* dialogs) {
-    ctx_ = std::make_unique<CommandContext>(*edit_, *dialogs, clipboard_,
+void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
+    ctx_ = std::make_unique<CommandContext>(*edit_, dialogs, clipboard_,
                                             AppSettings(store_, startUp_.RegKeyAppName), logger_,
                                             clock_, launcher_, menu_, util_, form_, *this, startUp_);
     ctx_->view = edit_;
-    ctx_->fileDialogs = &fileDialogs_;
+    ctx_->fileDialogs = fileDialogs;
     ctx_->files = files_.get();
     ctx_->geometry = &geometry_;
+    ctx_->history = history_.get();
+    ctx_->browser = browser_.get();
+    ctx_->siteList = siteList_.get();
     ctx_->run = [this](const QString& item) { trigger(item); };
+    ctx_->searchQuietly = [this](const QString& text) {
+        QString s = text;
+        FindText(*ctx_, s, nullptr, true);
+    };
+}
+
+void EditorWindow::setDialogs(Dialogs* dialogs) {
+    makeContext(*dialogs, ctx_->fileDialogs);
     logger_.setDialogs(dialogs);
 }
 
 void EditorWindow::setFileDialogs(FileDialogs* dialogs) { ctx_->fileDialogs = dialogs; }
+
+bool EditorWindow::eventFilter(QObject* watched, QEvent* event) {
+    // The text widget would take Ctrl+Z and Ctrl+Y for itself; they belong to Edit > Undo/Redo.
+    if (watched == text_ && event->type() == QEvent::ShortcutOverride) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void EditorWindow::commitTyping() {
+    if (edit_->takeUserEdited()) {
+        const QString now = edit_->text();
+        if (now != committed_)
+            history_->record(committed_, now);
+        committed_ = now;
+    }
+}
 
 void EditorWindow::buildMenus() {
     QHash<QString, QMenu*> menus;
@@ -78,6 +115,13 @@ void EditorWindow::buildMenus() {
             m->setToolTipsVisible(true);
             menus.insert(name, m);
             menu_.add(name, m->menuAction());
+            if (name == u"mnuTools")
+                connect(m, &QMenu::aboutToShow, this, [this] { mnuTools_Click(*ctx_); });
+            if (name == u"mnuEdit")
+                connect(m, &QMenu::aboutToShow, this, [this] {
+                    commitTyping();
+                    updateHistoryItems(*ctx_);
+                });
             continue;
         }
         if (!parent)
@@ -112,8 +156,29 @@ void EditorWindow::buildMenus() {
 }
 
 void EditorWindow::runItem(const QString& name) {
-    if (const MenuItemDecl* d = findMenuItem(name))
-        runMenuItem(*d, *ctx_);
+    const MenuItemDecl* d = findMenuItem(name);
+    if (!d)
+        return;
+    // Each command is one step of the history; commands run by commands are part of theirs.
+    const bool outermost = running_ == 0;
+    if (outermost)
+        commitTyping();
+    ++running_;
+    runMenuItem(*d, *ctx_);
+    --running_;
+    if (!outermost)
+        return;
+    edit_->takeUserEdited();
+    const QString now = edit_->text();
+    const bool historyItem = name == u"mnuUndo" || name == u"mnuRedo";
+    const bool newDocument = name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" ||
+                             name == u"mnuDelete";
+    if (newDocument)
+        history_->clear();
+    else if (!historyItem && now != committed_)
+        history_->record(committed_, now);
+    committed_ = now;
+    updateHistoryItems(*ctx_);
 }
 
 void EditorWindow::trigger(const QString& item) { runItem(item); }
@@ -133,13 +198,25 @@ void EditorWindow::refreshLinks() {
         auto* a = new QAction(QStringLiteral("&%1 %2").arg(i < 9 ? QString::number(i + 1) : QString(QChar(u'A' + i - 9)), name),
                               fileMenu_);
         a->setObjectName(QStringLiteral("mnuLnk%1").arg(i + 1));
-        connect(a, &QAction::triggered, this, [this, i] { mnuLnk_Click(*ctx_, i); });
+        connect(a, &QAction::triggered, this, [this, i] {
+            mnuLnk_Click(*ctx_, i);
+            history_->clear();
+            committed_ = edit_->text();
+            edit_->takeUserEdited();
+            updateHistoryItems(*ctx_);
+        });
         fileMenu_->insertAction(linkAnchor_, a);
         linkActions_ << a;
     }
 }
 
-void EditorWindow::load() { Form_Load(*ctx_, startUp_.CommandLine); }
+void EditorWindow::load() {
+    Form_Load(*ctx_, startUp_.CommandLine);
+    committed_ = edit_->text();
+    edit_->takeUserEdited();
+    history_->clear();
+    updateHistoryItems(*ctx_);
+}
 
 void EditorWindow::showWindow() { show(); }
 

@@ -22,6 +22,9 @@ namespace ed {
 
 class PlainTextEditControl;
 class TextDocumentFiles;
+class UndoHistory;
+class BrowserPort;
+class SiteListState;
 
 class EditorWindow : public QMainWindow, public FormWindow {
     Q_OBJECT
@@ -51,13 +54,18 @@ public:
     // Lets tests replace the dialogs with scripted ones.
     void setDialogs(Dialogs* dialogs);
     void setFileDialogs(FileDialogs* dialogs);
+    UndoHistory& history() { return *history_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildMenus();
     void runItem(const QString& name);
+    void makeContext(Dialogs& dialogs, FileDialogs* fileDialogs);
+    // Typing since the last command becomes one undo step of its own.
+    void commitTyping();
 
     StartUpState& startUp_;
     QPlainTextEdit* text_ = nullptr;
@@ -74,7 +82,12 @@ private:
     Utility util_;
     FormState form_;
     std::unique_ptr<TextDocumentFiles> files_;
+    std::unique_ptr<UndoHistory> history_;
+    std::unique_ptr<BrowserPort> browser_;
+    std::unique_ptr<SiteListState> siteList_;
     std::unique_ptr<CommandContext> ctx_;
+    QString committed_; // the text as the history last saw it
+    int running_ = 0;
     QMenu* fileMenu_ = nullptr;
     QList<QAction*> linkActions_;
     QAction* linkAnchor_ = nullptr;

@@ -3,6 +3,7 @@
 #include "app/Trap.h"
 #include "editor/ClipboardCommands.h"
 #include "editor/DocumentCommands.h"
+#include "editor/HistoryCommands.h"
 #include "editor/Placement.h"
 #include "editor/SearchCommands.h"
 #include "editor/ViewCommands.h"
@@ -13,6 +14,8 @@
 #include "textcmds/Positional.h"
 #include "textcmds/PrefixSuffix.h"
 #include "textcmds/Whitespace.h"
+#include "web/BrowserCommands.h"
+#include "web/SiteList.h"
 
 #include <QHash>
 
@@ -42,6 +45,9 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuExit", "Close", "mnuFile", "Ctrl+X", W, mnuExit_Click, nullptr, nullptr},
     // Edit
     {"mnuEdit", "Edit", nullptr, "", M, nullptr, nullptr, nullptr},
+    {"mnuUndo", "Undo", "mnuEdit", "Ctrl+Z", kDisabled | W, mnuUndo_Click, nullptr, nullptr},
+    {"mnuRedo", "Redo", "mnuEdit", "Ctrl+Y", kDisabled | W, mnuRedo_Click, nullptr, nullptr},
+    {"mnuSepUndo", "-", "mnuEdit", "", S, nullptr, nullptr, nullptr},
     {"mnuCut", "Cut", "mnuEdit", "", kNone, mnuCut_Click, nullptr, nullptr},
     {"mnuCopy", "Copy", "mnuEdit", "", kNone, mnuCopy_Click, nullptr, nullptr},
     {"mnuPaste", "Paste", "mnuEdit", "", kNone, mnuPaste_Click, nullptr, nullptr},
@@ -67,39 +73,43 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, nullptr, nullptr, nullptr},
     {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", W, nullptr, nullptr, nullptr},
     {"mnuSearchGoogle", "Search Google", "mnuWeb", "", W, nullptr, nullptr, nullptr},
-    {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, nullptr, nullptr, nullptr},
-    {"mnusep27", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuPause", "Pause List Nav", "mnuWeb", "F1", kDisabled | kCheckable | W, nullptr, nullptr,
+    {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, mnuNavigateToSel_Click, nullptr,
      nullptr},
-    {"mnuNextItem", "Next Item", "mnuWeb", "F2", kDisabled | W, nullptr, nullptr, nullptr},
-    {"mnuChangeTiming", "Change timing", "mnuWeb", "", kDisabled | W, nullptr, nullptr, nullptr},
-    {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnusep27", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
+    {"mnuPause", "Pause List Nav", "mnuWeb", "F1", kDisabled | kCheckable | W, mnuPause_Click,
+     nullptr, nullptr},
+    {"mnuNextItem", "Next Item", "mnuWeb", "F2", kDisabled | W, mnuNextItem_Click, nullptr,
+     nullptr},
+    {"mnuChangeTiming", "Change timing", "mnuWeb", "", kDisabled | W, mnuChangeTiming_Click,
+     nullptr, nullptr},
+    {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, mnuNavigateSiteList_Click,
+     nullptr, nullptr},
     {"mnusep24", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
     {"mnuSaveWebPage", "Save web page", "mnuWeb", "", W, nullptr, nullptr, nullptr},
     {"mnusep8", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
     {"mnuDownloadFiles", "Download Files", "mnuWeb", "", W, nullptr, nullptr, nullptr},
     {"mnusep23", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
     {"mnuLoad", "Load From IE", "mnuWeb", "", M, nullptr, nullptr, nullptr},
-    {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, nullptr, "Sub mnuGetBrowserText_Click",
-     nullptr},
-    {"mnuGetBrowserHtml", "Html", "mnuLoad", "", kNone, nullptr, "Sub mnuGetBrowserHtml_Click",
-     nullptr},
-    {"mnuGetBrowserLinks", "Links", "mnuLoad", "", kNone, nullptr, "Sub mnuGetBrowserLinks_Click",
-     nullptr},
+    {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, mnuGetBrowserText_Click,
+     "Sub mnuGetBrowserText_Click", nullptr},
+    {"mnuGetBrowserHtml", "Html", "mnuLoad", "", kNone, mnuGetBrowserHtml_Click,
+     "Sub mnuGetBrowserHtml_Click", nullptr},
+    {"mnuGetBrowserLinks", "Links", "mnuLoad", "", kNone, mnuGetBrowserLinks_Click,
+     "Sub mnuGetBrowserLinks_Click", nullptr},
     {"mnuGetBrowserEmail", "Email", "mnuLoad", "", W, nullptr, nullptr, nullptr},
     {"mnuGetFaxNumbers", "Fax #s", "mnuLoad", "", W, nullptr, nullptr, nullptr},
     {"mnuGetPhoneNumbers", "Phone #s", "mnuLoad", "", W, nullptr, nullptr, nullptr},
     {"mnuAnyTagContent", "Any Tag Content", "mnuLoad", "", W, nullptr, nullptr, nullptr},
-    {"mnuGetBrowserLinksConditional", "Links Conditionally", "mnuLoad", "", kNone, nullptr, nullptr,
-     nullptr},
+    {"mnuGetBrowserLinksConditional", "Links Conditionally", "mnuLoad", "", kNone,
+     mnuGetBrowserLinksConditional_Click, nullptr, nullptr},
     // Tools
     {"mnuTools", "Tools", nullptr, "", M, nullptr, nullptr, nullptr},
     {"mnuSetDefaultDir", "Set (Select Dir)", "mnuTools", "", W, mnuSetDefaultDir_Click, nullptr,
      nullptr},
-    {"mnuExplorer", "Open Explorer", "mnuTools", "", kNone, nullptr, nullptr, nullptr},
+    {"mnuExplorer", "Open Explorer", "mnuTools", "", kNone, mnuExplorer_Click, nullptr, nullptr},
     {"mnuWebsites", "Open In Notepad", "mnuTools", "", W, mnuWebsites_Click, nullptr, nullptr},
-    {"mnuLoadinwebbrowser", "Open In Default Editor", "mnuTools", "", kNone, nullptr, nullptr,
-     nullptr},
+    {"mnuLoadinwebbrowser", "Open In Default Editor", "mnuTools", "", kNone,
+     mnuLoadinwebbrowser_Click, nullptr, nullptr},
     {"sep7", "-", "mnuTools", "", S, nullptr, nullptr, nullptr},
     {"mnuGet", "Get", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuShowLineCount", "Line Count", "mnuGet", "", kNone, mnuShowLineCount_Click, nullptr,

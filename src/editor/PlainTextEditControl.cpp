@@ -53,8 +53,14 @@ QString widgetToModelText(const QString& raw) {
 
 PlainTextEditControl::PlainTextEditControl(QPlainTextEdit* widget)
     : QObject(widget), widget_(widget) {
-    connect(widget_->document(), &QTextDocument::contentsChanged, this,
-            [this] { cacheValid_ = false; });
+    // The widget keeps no undo stack of its own: the window's history covers every change.
+    widget_->setUndoRedoEnabled(false);
+    connect(widget_->document(), &QTextDocument::contentsChanged, this, [this] {
+        if (!ownEdit_) {
+            cacheValid_ = false;
+            userEdited_ = true;
+        }
+    });
 }
 
 QString PlainTextEditControl::text() const {
@@ -67,17 +73,33 @@ QString PlainTextEditControl::text() const {
 
 void PlainTextEditControl::setText(const QString& text) {
     // A whole-text assignment replaces the content in one undoable step and drops formatting.
-    QTextCursor c(widget_->document());
-    c.beginEditBlock();
-    c.select(QTextCursor::Document);
-    c.setCharFormat(QTextCharFormat());
-    c.removeSelectedText();
-    c.insertText(modelToWidgetText(text));
-    c.endEditBlock();
+    ownEdit_ = true;
+    widget_->document()->setPlainText(modelToWidgetText(text));
+    ownEdit_ = false;
+    rich_ = false;
     cache_ = text;
     cacheValid_ = true;
     QTextCursor caret(widget_->document());
     widget_->setTextCursor(caret);
+}
+
+void PlainTextEditControl::replaceRange(int start, int length, const QString& replacement) {
+    const QString before = text();
+    QTextCursor c(widget_->document());
+    c.setPosition(toWidget(start));
+    c.setPosition(toWidget(start + length), QTextCursor::KeepAnchor);
+    ownEdit_ = true;
+    c.insertText(modelToWidgetText(replacement));
+    ownEdit_ = false;
+    cache_ = before;
+    cache_.replace(start, length, replacement);
+    cacheValid_ = true;
+}
+
+bool PlainTextEditControl::takeUserEdited() {
+    const bool edited = userEdited_;
+    userEdited_ = false;
+    return edited;
 }
 
 int PlainTextEditControl::textLength() const { return int(text().size()); }
@@ -138,17 +160,32 @@ QString PlainTextEditControl::selText() const {
 
 void PlainTextEditControl::setSelectionFont(const FontSpec& font) {
     QTextCursor c = widget_->textCursor();
+    const bool whole = c.selectionStart() == 0 &&
+                       c.selectionEnd() >= widget_->document()->characterCount() - 1;
+    if (whole && !rich_) {
+        // The whole of a plain document: one font for the widget, no character formats.
+        QFont f(font.name);
+        if (font.size > 0)
+            f.setPointSizeF(font.size);
+        f.setBold(font.bold);
+        f.setItalic(font.italic);
+        if (f != widget_->font())
+            widget_->setFont(f);
+        return;
+    }
     QTextCharFormat f;
     f.setFontFamilies({font.name});
     if (font.size > 0)
         f.setFontPointSize(font.size);
     f.setFontWeight(font.bold ? QFont::Bold : QFont::Normal);
     f.setFontItalic(font.italic);
-    if (c.hasSelection()) {
+    ownEdit_ = true;
+    if (c.hasSelection())
         c.mergeCharFormat(f);
-    } else {
+    else
         widget_->mergeCurrentCharFormat(f);
-    }
+    ownEdit_ = false;
+    rich_ = true;
 }
 
 FontSpec PlainTextEditControl::selectionFont() const {

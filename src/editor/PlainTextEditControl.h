@@ -23,6 +23,11 @@ public:
     int selLength() const override;
     void setSelLength(int length) override;
     QString selText() const override;
+    void replaceRange(int start, int length, const QString& replacement) override;
+    // Typing by the user (not an assignment through this adapter) since the last call.
+    bool takeUserEdited();
+    // The document carries character formats of its own (RTF was loaded into it).
+    void setRich(bool rich) { rich_ = rich; }
 
     void setSelectionFont(const FontSpec& font) override;
     FontSpec selectionFont() const override;
@@ -38,6 +43,9 @@ private:
     QPlainTextEdit* widget_;
     mutable QString cache_;
     mutable bool cacheValid_ = false;
+    bool ownEdit_ = false;
+    bool userEdited_ = false;
+    bool rich_ = false;
 };
 
 // Model text (CR LF breaks) -> what the widget holds (one LF per break), and back.

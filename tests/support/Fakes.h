@@ -104,6 +104,35 @@ public:
     void close() override { ++closed; }
 };
 
+// Open/save/font/folder dialogs answered from queues; empty queue = Cancel.
+class FakeFileDialogs : public FileDialogs {
+public:
+    std::deque<FileDialogResult> openAnswers, saveAnswers;
+    std::deque<QString> folderAnswers;
+    FontSpec font;
+    std::vector<FileDialogRequest> requests;
+    FileDialogResult showOpen(const FileDialogRequest& r) override { return next(r, openAnswers); }
+    FileDialogResult showSave(const FileDialogRequest& r) override { return next(r, saveAnswers); }
+    FontSpec showFont(const FontSpec&) override { return font; }
+    QString showFolder(const QString&, const QString&) override {
+        if (folderAnswers.empty())
+            return QString();
+        QString a = folderAnswers.front();
+        folderAnswers.pop_front();
+        return a;
+    }
+
+private:
+    FileDialogResult next(const FileDialogRequest& r, std::deque<FileDialogResult>& q) {
+        requests.push_back(r);
+        if (q.empty())
+            return {};
+        FileDialogResult a = q.front();
+        q.pop_front();
+        return a;
+    }
+};
+
 // Everything a handler needs, over a TextBuffer. `app` is the settings application name.
 struct Harness {
     explicit Harness(const QString& text = QString());
