@@ -2,8 +2,10 @@
 
 #include "editor/RtfCodepage.h"
 
+#include <QHash>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace ed {
@@ -42,17 +44,29 @@ void appendText(QByteArray& out, const QString& text) {
     }
 }
 
+// RTF sizes are half points, from 1 to 1638 points.
+long halfPoints(double pointSize) {
+    return std::isfinite(pointSize) ? std::clamp(std::lround(pointSize * 2), 2L, 3276L) : 24L;
+}
+
 } // namespace
 
 QByteArray writeRtf(const RtfContent& content) {
+    // Font and colour tables in order of first use; colour 0 is the default colour.
     QStringList fonts;
+    QHash<QString, qsizetype> fontIndex;
     QList<quint32> colors;
+    QHash<quint32, qsizetype> colorIndex;
     for (const RtfParagraph& paragraph : content.paragraphs) {
         for (const RtfRun& run : paragraph.runs) {
-            if (!fonts.contains(run.format.family))
+            if (!fontIndex.contains(run.format.family)) {
+                fontIndex.insert(run.format.family, fonts.size());
                 fonts.append(run.format.family);
-            if (run.format.color && !colors.contains(*run.format.color))
+            }
+            if (run.format.color && !colorIndex.contains(*run.format.color)) {
                 colors.append(*run.format.color);
+                colorIndex.insert(*run.format.color, colors.size());
+            }
         }
     }
 
@@ -77,8 +91,8 @@ QByteArray writeRtf(const RtfContent& content) {
         for (const RtfRun& run : paragraph.runs) {
             const RtfCharFormat& f = run.format;
             if (current != f) {
-                appendNumber(out, "\\plain\\f", fonts.indexOf(f.family));
-                appendNumber(out, "\\fs", std::lround(f.pointSize * 2));
+                appendNumber(out, "\\plain\\f", fontIndex.value(f.family));
+                appendNumber(out, "\\fs", halfPoints(f.pointSize));
                 if (f.bold)
                     out += "\\b";
                 if (f.italic)
@@ -86,7 +100,7 @@ QByteArray writeRtf(const RtfContent& content) {
                 if (f.underline)
                     out += "\\ul";
                 if (f.color)
-                    appendNumber(out, "\\cf", colors.indexOf(*f.color) + 1);
+                    appendNumber(out, "\\cf", colorIndex.value(*f.color));
                 out += ' ';
                 current = f;
             }
