@@ -2,6 +2,8 @@
 
 #include "textcmds/Framework.h"
 
+#include <type_traits>
+
 namespace ed {
 
 namespace {
@@ -49,16 +51,20 @@ qsizetype mapOne(const char16_t* in, qsizetype n, qsizetype i, char16_t* out, F&
     return 1;
 }
 
-// Maps all of `src` into `out` (room for src.size() units): ASCII blocks through
-// block(in, out, position), other characters through f(character, position).
+// Maps all of `src` into `out` (room for src.size() units): runs of ASCII characters through
+// block(in, out, position, count), with count a compile-time constant (kBlock or 1), other
+// characters through f(character, position).
 template <class B, class F> void mapText(QStringView src, char16_t* out, B&& block, F&& f) {
     const char16_t* in = src.utf16();
     const qsizetype n = src.size();
     qsizetype i = 0;
     while (i < n) {
         if (n - i >= kBlock && asciiBlock(in + i)) {
-            block(in + i, out + i, i);
+            block(in + i, out + i, i, std::integral_constant<qsizetype, kBlock>());
             i += kBlock;
+        } else if (in[i] < 0x80) {
+            block(in + i, out + i, i, std::integral_constant<qsizetype, 1>());
+            ++i;
         } else {
             i += mapOne(in, n, i, out, f);
         }
@@ -171,8 +177,8 @@ void lowerSameLength(QStringView src, QString& dst) {
     dst.resize(src.size());
     mapText(
         src, units(dst),
-        [](const char16_t* in, char16_t* out, qsizetype) {
-            for (qsizetype k = 0; k < kBlock; ++k)
+        [](const char16_t* in, char16_t* out, qsizetype, auto count) {
+            for (qsizetype k = 0; k < count; ++k)
                 out[k] = asciiLower(in[k]);
         },
         [](char32_t c, qsizetype) { return lowerOf(c); });
@@ -183,15 +189,20 @@ QString properCase(QStringView s) {
     bool wordStart = true;
     mapText(
         s, units(out),
-        [&](const char16_t* in, char16_t* o, qsizetype) {
-            bool start = wordStart;
-            for (qsizetype k = 0; k < kBlock; ++k) {
-                const char16_t c = in[k];
-                const bool boundary = asciiBoundary(c);
-                o[k] = boundary ? c : start ? asciiUpper(c) : asciiLower(c);
-                start = boundary;
+        [&](const char16_t* in, char16_t* o, qsizetype, auto count) {
+            // A boundary character has no case, so each character is simply upper-cased after a
+            // boundary and lower-cased elsewhere.
+            // Written without branches: word starts are too irregular to predict.
+            o[0] = wordStart ? asciiUpper(in[0]) : asciiLower(in[0]);
+            for (qsizetype k = 1; k < count; ++k) {
+                const char16_t c = in[k], p = in[k - 1];
+                const unsigned start =
+                    unsigned(p == u' ') | unsigned(char16_t(p - 9) < 5) | unsigned(p == 0);
+                const unsigned upper = unsigned(char16_t(c - u'A') < 26);
+                const unsigned lower = unsigned(char16_t(c - u'a') < 26);
+                o[k] = char16_t(c + 32 * (upper & (start ^ 1)) - 32 * (lower & start));
             }
-            wordStart = start;
+            wordStart = asciiBoundary(in[count - 1]);
         },
         [&](char32_t c, qsizetype) {
             if (isWordBoundary(c)) {
@@ -210,8 +221,8 @@ QString crippledCase(QStringView s) {
     QString out(s.size(), Qt::Uninitialized);
     mapText(
         s, units(out),
-        [](const char16_t* in, char16_t* o, qsizetype i) {
-            for (qsizetype k = 0; k < kBlock; ++k)
+        [](const char16_t* in, char16_t* o, qsizetype i, auto count) {
+            for (qsizetype k = 0; k < count; ++k)
                 o[k] = (i + k) % 2 ? asciiUpper(in[k]) : asciiLower(in[k]);
         },
         [](char32_t c, qsizetype i) { return i % 2 ? upperOf(lowerOf(c)) : lowerOf(c); });

@@ -7,6 +7,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -30,6 +31,9 @@ qsizetype cutAt(QStringView line, qsizetype cut) {
 
 MarkerSearch::MarkerSearch(QStringView marker) {
     lowerSameLength(marker, marker_);
+    lowerLines_ = std::any_of(marker_.cbegin(), marker_.cend(), [](QChar c) {
+        return c.unicode() >= 0x80 || (c.unicode() >= u'a' && c.unicode() <= u'z');
+    });
     const qsizetype m = marker_.size();
     border_.assign(size_t(m), 0);
     for (qsizetype i = 1, k = 0; i < m; ++i) {
@@ -49,8 +53,9 @@ qsizetype MarkerSearch::nth(QStringView line, qint64 n) {
         return n <= line.size() ? qsizetype(n - 1) : -1;
     if (m > line.size())
         return -1;
-    lowerSameLength(line, lowerLine_);
-    const QStringView t(lowerLine_);
+    if (lowerLines_)
+        lowerSameLength(line, lowerLine_);
+    const QStringView t = lowerLines_ ? QStringView(lowerLine_) : line;
     const QChar first = marker_[0];
     if (m == 1) {
         qsizetype p = -1;

@@ -38,6 +38,9 @@ private:
     QString marker_;
     std::vector<qsizetype> border_; // longest proper border of each prefix of the marker
     QString lowerLine_;
+    // A marker of ASCII characters other than letters is matched by those characters only,
+    // whatever their case: such a marker is looked for in the line as it stands.
+    bool lowerLines_ = true;
 };
 
 // The occurrence field of an answer as a 32-bit signed number: surrounding white space allowed,

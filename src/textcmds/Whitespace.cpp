@@ -20,17 +20,20 @@ QString withoutSpaces(QStringView s) {
 
 QString collapseSpaces(QStringView s) {
     // Replacing "  " by " " until no pair is left shortens every run to one space; this is that
-    // result in one pass.
+    // result in one pass (without branches: spaces come too irregularly to predict).
     QString out(s.size(), Qt::Uninitialized);
-    QChar* o = out.data();
-    bool afterSpace = false;
-    for (QChar c : s) {
-        const bool space = c == u' ';
-        if (!(space && afterSpace))
-            *o++ = c;
+    char16_t* o = reinterpret_cast<char16_t*>(out.data());
+    char16_t* const begin = o;
+    unsigned afterSpace = 0;
+    const char16_t* in = s.utf16();
+    for (qsizetype i = 0; i < s.size(); ++i) {
+        const char16_t c = in[i];
+        const unsigned space = c == u' ';
+        *o = c;
+        o += 1 - (space & afterSpace);
         afterSpace = space;
     }
-    out.truncate(o - out.data());
+    out.truncate(o - begin);
     return out;
 }
 
@@ -40,48 +43,54 @@ QString joinParagraphs(QStringView s) {
     // three rewrite disjoint patterns in scan order, and the last shortens every run of k spaces
     // of their result to (k + 1) / 2, i.e. keeps the 1st, 3rd, 5th ... space of each run.
     const qsizetype n = s.size();
-    const QChar* in = s.data();
+    const char16_t* in = s.utf16();
     // The text grows only where "^" becomes four characters.
     qsizetype carets = 0;
     for (qsizetype i = 0; i < n; ++i)
         carets += in[i] == u'^';
     QString out(n + 3 * carets, Qt::Uninitialized);
-    QChar* o = out.data();
-    qsizetype run = 0; // spaces in the current run of the unshortened result
-    auto space = [&] {
-        if (run++ % 2 == 0)
-            *o++ = u' ';
-    };
-    auto paragraph = [&] {
-        *o++ = u'\r';
-        *o++ = u'\n';
-        *o++ = u'\r';
-        *o++ = u'\n';
-        run = 0;
-    };
+    char16_t* o = reinterpret_cast<char16_t*>(out.data());
+    char16_t* const begin = o;
+    qsizetype run = 0; // 1 after an odd number of spaces of the unshortened result
     for (qsizetype i = 0; i < n;) {
-        const QChar c = in[i];
-        if (c == u'\r' && i + 1 < n && in[i + 1] == u'\n') {
-            if (i + 3 < n && in[i + 2] == u'\r' && in[i + 3] == u'\n') {
-                paragraph();
-                i += 4;
-            } else {
-                space();
-                i += 2;
-            }
-        } else if (c == u'^') {
-            paragraph();
+        const char16_t c = in[i];
+        if (c != u'\r' && c != u'^') {
+            // Ordinary characters and spaces, without branches.
+            const qsizetype space = c == u' ';
+            *o = c;
+            o += 1 - (space & run);
+            run = (run ^ 1) & space;
             ++i;
-        } else if (c == u' ') {
-            space();
-            ++i;
-        } else {
-            *o++ = c;
-            run = 0;
-            ++i;
+            continue;
         }
+        bool space = c == u' ';
+        qsizetype used = 1;
+        if (c == u'\r') {
+            if (i + 1 < n && in[i + 1] == u'\n') {
+                if (i + 3 < n && in[i + 2] == u'\r' && in[i + 3] == u'\n')
+                    used = 4; // a paragraph break
+                else
+                    space = true, used = 2;
+            } else {
+                *o++ = c; // a lone CR
+                run = 0;
+                ++i;
+                continue;
+            }
+        }
+        if (space) {
+            if (run == 0)
+                *o++ = u' ';
+            run ^= 1;
+        } else {
+            o[0] = o[2] = u'\r';
+            o[1] = o[3] = u'\n';
+            o += 4;
+            run = 0;
+        }
+        i += used;
     }
-    out.truncate(o - out.data());
+    out.truncate(o - begin);
     return out;
 }
 
