@@ -173,15 +173,19 @@ QString cIEObject::InternetExplorerPath() const {
     return QString();
 }
 
+QStringList cIEObject::BrowserLaunchArguments() {
+    const Endpoint endpoint = services_.connector->endpoint();
+    QDir().mkpath(services_.profileDir);
+    return services_.extraLaunchArguments + launchArguments(endpoint.port, services_.profileDir);
+}
+
 void cIEObject::launchBrowser() {
     const QString path = InternetExplorerPath();
     if (path.isEmpty())
         fail(QStringLiteral("No browser to start was found: set \"Browser Path\" to a Chromium, "
                             "Chrome or Edge program."));
     const Endpoint endpoint = services_.connector->endpoint();
-    QDir().mkpath(services_.profileDir);
-    const QStringList arguments =
-        services_.extraLaunchArguments + launchArguments(endpoint.port, services_.profileDir);
+    const QStringList arguments = BrowserLaunchArguments();
     if (!services_.launcher.startDetached(path, arguments))
         fail(QStringLiteral("The browser \"%1\" could not be started.").arg(path));
     const QDeadlineTimer deadline(services_.launchWaitMs);

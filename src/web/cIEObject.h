@@ -68,6 +68,10 @@ public:
     void HangUpModem();
     QString InternetExplorerPath() const;
     void setInternetExplorerPath(const QString& path) { msIEPath_ = path; }
+    // What a browser started from InternetExplorerPath gets on its command line so that it
+    // answers at the endpoint: the extra arguments, the debugging port and the profile folder
+    // (created here). Throws RuntimeError when the endpoint setting is refused.
+    QStringList BrowserLaunchArguments();
     // The endpoint's first browser window; with `launchIfNone` a browser is started when there
     // is none and waited for. Empty when there is no window.
     BrowserHandle GetActiveBrowser(bool launchIfNone = false);

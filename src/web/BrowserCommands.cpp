@@ -1,0 +1,124 @@
+#include "web/BrowserCommands.h"
+
+#include "app/Trap.h"
+#include "editor/ClipboardCommands.h"
+#include "web/BrowserPort.h"
+#include "web/cIEObject.h"
+
+#include <QFileInfo>
+
+#include <memory>
+
+namespace ed {
+
+namespace {
+
+constexpr const char* kModule = "frmEdit";
+const QString kSection = QStringLiteral("frmEdit");
+const QString kCrLf = QStringLiteral("\r\n");
+
+// Tells the user why nothing came from the browser.
+void reportNoBrowser(CommandContext& ctx) {
+    ctx.window.showStatus(ctx.browser
+                              ? noBrowserMessage(*ctx.browser)
+                              : QStringLiteral("no browser found: this window has no browser "
+                                               "connection"));
+}
+
+// A fresh session for one command, attached to the active browser window. Null when there is
+// no browser connection at all; not initialized when no browser answers. Either way the user
+// is told, and every operation of the session then gives its empty result.
+std::unique_ptr<web::cIEObject> openSession(CommandContext& ctx) {
+    if (!ctx.browser) {
+        reportNoBrowser(ctx);
+        return nullptr;
+    }
+    std::unique_ptr<web::cIEObject> ie = ctx.browser->createSession();
+    const web::BrowserHandle active = ie->GetActiveBrowser(false);
+    ie->InitializeObject(active);
+    if (!ie->Initialized())
+        reportNoBrowser(ctx);
+    return ie;
+}
+
+[[noreturn]] void fail(const QString& message) {
+    throw RuntimeError(message.toStdString());
+}
+
+} // namespace
+
+void mnuGetBrowserHtml_Click(CommandContext& ctx) {
+    const auto ie = openSession(ctx);
+    InsertText(ctx, ie ? ie->GetBrowserHTML() : QString());
+}
+
+void mnuGetBrowserText_Click(CommandContext& ctx) {
+    const auto ie = openSession(ctx);
+    InsertText(ctx, ie ? ie->GetBrowserText() : QString());
+}
+
+void GetLinks(CommandContext& ctx, const QString& condition) {
+    trapped(ctx.log, kModule, QStringLiteral("Sub GetLinks"), [&] {
+        const auto ie = openSession(ctx);
+        const QStringList links = ie ? ie->GetLinksOnWebPage() : QStringList();
+        QString result;
+        for (const QString& link : links) {
+            if (!condition.isEmpty() && !link.contains(condition, Qt::CaseInsensitive))
+                continue;
+            result += link;
+            result += kCrLf;
+        }
+        InsertText(ctx, result);
+    });
+}
+
+void mnuGetBrowserLinks_Click(CommandContext& ctx) {
+    GetLinks(ctx, QString());
+}
+
+void mnuGetBrowserLinksConditional_Click(CommandContext& ctx) {
+    const QString previous = ctx.settings.get(kSection, conditionKey(), QString());
+    const QString answer = ctx.dialogs.inputBox(QStringLiteral("Enter text link must contain."),
+                                                QStringLiteral("Enter rext"), previous);
+    if (answer.isEmpty())
+        return;
+    ctx.settings.save(kSection, conditionKey(), answer);
+    GetLinks(ctx, answer);
+}
+
+void mnuNavigateToSel_Click(CommandContext& ctx) {
+    if (!ctx.browser) {
+        reportNoBrowser(ctx);
+        return;
+    }
+    const std::unique_ptr<web::cIEObject> ie = ctx.browser->createSession();
+    if (!ie->InitializeObject()) {
+        reportNoBrowser(ctx);
+        return;
+    }
+    const QString text = ie->CopySelection();
+    if (!text.isEmpty())
+        ie->NavigateToUrl(text, false);
+}
+
+void mnuExplorer_Click(CommandContext& ctx) {
+    const QString folder = ctx.form.LastDir;
+    if (folder.isEmpty())
+        fail(QStringLiteral("The document has no folder to open yet."));
+    if (!QFileInfo(folder).isDir())
+        fail(QStringLiteral("The folder \"%1\" does not exist.").arg(folder));
+    if (!ctx.launcher.explore(folder))
+        fail(QStringLiteral("No file manager could be opened on \"%1\".").arg(folder));
+}
+
+void mnuLoadinwebbrowser_Click(CommandContext& ctx) {
+    const QString file = ctx.form.FileName;
+    if (file.isEmpty())
+        fail(QStringLiteral("The document has no file name yet."));
+    if (!QFileInfo(file).isFile())
+        fail(QStringLiteral("The file \"%1\" does not exist; save the document first.").arg(file));
+    if (!ctx.launcher.open(file))
+        fail(QStringLiteral("No program could be opened on \"%1\".").arg(file));
+}
+
+} // namespace ed

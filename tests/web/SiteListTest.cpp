@@ -1,0 +1,239 @@
+// The site-list walk over a scripted browser and a timer that ticks when the test says so.
+
+#include "FakeBrowser.h"
+#include "support/Fakes.h"
+
+#include "web/SiteList.h"
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+class SteppedTimer : public SiteTimer {
+public:
+    bool enabled() const override { return enabled_; }
+    void setEnabled(bool enabled) override { enabled_ = enabled; }
+    int interval() const override { return interval_; }
+
+protected:
+    void applyInterval(int ms) override { interval_ = ms; }
+
+private:
+    bool enabled_ = true;
+    int interval_ = 0;
+};
+
+// A browser port whose sessions know a browser program to start.
+class PortWithProgram : public FakeBrowserPort {
+public:
+    using FakeBrowserPort::FakeBrowserPort;
+    QString program;
+    std::unique_ptr<web::cIEObject> createSession() override {
+        ++sessionsCreated;
+        web::BrowserServices s = services();
+        s.browserPath = program;
+        s.profileDir = makeTempDir() + "/profile";
+        return std::make_unique<web::cIEObject>(s);
+    }
+};
+
+struct Walk {
+    explicit Walk(const QString& text) : h(text) {
+        h.ctx.browser = &port;
+        h.ctx.siteList = &state;
+        timer->onTick([this] { tmrSiteList_Timer(h.ctx); });
+    }
+    Harness h;
+    PortWithProgram port{h.log, h.clipboard, h.launcher};
+    SteppedTimer* timer = new SteppedTimer;
+    SiteListState state{std::unique_ptr<SiteTimer>(timer)};
+
+    QStringList& visited() { return port.connector->window->navigations; }
+    bool enabled(const char* item) const { return h.menu.isEnabled(item); }
+    QString selected() const { return h.edit.selText(); }
+};
+
+TEST(SiteList, StartsIdleWithTheUsualInterval) {
+    Walk w("a");
+    EXPECT_FALSE(w.timer->enabled());
+    EXPECT_EQ(w.timer->interval(), 32235);
+    EXPECT_EQ(w.state.mlSiteIndex, 0);
+    EXPECT_FALSE(w.enabled("mnuPause"));
+    EXPECT_FALSE(w.enabled("mnuNextItem"));
+    EXPECT_FALSE(w.enabled("mnuChangeTiming"));
+}
+
+TEST(SiteList, TheLastPieceOfTheListIsNeverVisited) {
+    struct Case {
+        QString text;
+        QStringList visits;
+    };
+    const Case cases[] = {
+        {"http://a.example/\r\nhttp://b.example/\r\nhttp://c.example/\r\n",
+         {"http://a.example/", "http://b.example/", "http://c.example/"}},
+        {"http://a.example/\r\nhttp://b.example/\r\nhttp://c.example/",
+         {"http://a.example/", "http://b.example/"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        Walk w(c.text);
+        w.h.run("mnuNavigateSiteList");
+        EXPECT_TRUE(w.timer->enabled());
+        EXPECT_TRUE(w.enabled("mnuPause"));
+        EXPECT_TRUE(w.enabled("mnuChangeTiming"));
+        EXPECT_TRUE(w.enabled("mnuNextItem"));
+        EXPECT_EQ(w.selected(), c.visits[0] + "\r");
+        for (qsizetype i = 1; i < c.visits.size(); ++i) {
+            EXPECT_TRUE(w.timer->enabled());
+            w.timer->fire();
+            EXPECT_EQ(w.selected(), c.visits[i] + "\r");
+        }
+        EXPECT_EQ(w.visited(), c.visits);
+        EXPECT_EQ(w.state.mlSiteIndex, 0);
+        EXPECT_FALSE(w.timer->enabled());
+        EXPECT_FALSE(w.enabled("mnuPause"));
+        EXPECT_FALSE(w.enabled("mnuNextItem"));
+        EXPECT_FALSE(w.enabled("mnuChangeTiming"));
+        EXPECT_TRUE(w.h.log.errors.empty());
+    }
+}
+
+TEST(SiteList, AnAddressIsSelectedWhereItFirstOccurs) {
+    Walk w("see b.example here\r\n  b.example  \r\n");
+    w.h.run("mnuNavigateSiteList");
+    EXPECT_EQ(w.h.edit.selStart(), 0);
+    EXPECT_EQ(w.selected(), "see b.example here\r");
+    w.timer->fire();
+    // Blanks around the line are not part of the address; it also stands inside line one.
+    EXPECT_EQ(w.h.edit.selStart(), 4);
+    EXPECT_EQ(w.selected(), "b.example ");
+    EXPECT_EQ(w.visited(), (QStringList{"http://see b.example here", "http://b.example"}));
+}
+
+TEST(SiteList, AOneLineDocumentEndsAtTheNextTick) {
+    Walk w("http://only.example/");
+    w.h.run("mnuNavigateSiteList");
+    EXPECT_EQ(w.visited(), QStringList{"http://only.example/"});
+    EXPECT_EQ(w.selected(), "http://only.example/"); // nothing after it to take along
+    EXPECT_EQ(w.state.mlSiteIndex, 1);
+    EXPECT_TRUE(w.enabled("mnuNextItem"));
+    w.timer->fire();
+    EXPECT_EQ(w.visited(), QStringList{"http://only.example/"});
+    EXPECT_EQ(w.state.mlSiteIndex, 0);
+    EXPECT_FALSE(w.timer->enabled());
+    EXPECT_FALSE(w.enabled("mnuNextItem"));
+    EXPECT_TRUE(w.h.log.errors.empty());
+}
+
+TEST(SiteList, AnEmptyDocumentStartsNothing) {
+    Walk w("");
+    w.timer->setEnabled(false);
+    w.h.run("mnuNavigateSiteList");
+    EXPECT_FALSE(w.timer->enabled());
+    EXPECT_FALSE(w.enabled("mnuPause"));
+    EXPECT_EQ(w.port.sessionsCreated, 0);
+}
+
+TEST(SiteList, PausingTwiceLeavesTheTimerStoppedAndNextItemStillSteps) {
+    Walk w("a.example\r\nb.example\r\nc.example\r\nd.example\r\n");
+    w.h.run("mnuNavigateSiteList");
+    w.h.run("mnuPause");
+    EXPECT_TRUE(w.h.menu.isChecked("mnuPause"));
+    EXPECT_FALSE(w.timer->enabled());
+    w.h.run("mnuPause");
+    EXPECT_FALSE(w.h.menu.isChecked("mnuPause"));
+    EXPECT_TRUE(w.enabled("mnuPause"));
+    EXPECT_FALSE(w.timer->enabled());
+    w.h.run("mnuNextItem");
+    w.h.run("mnuNextItem");
+    EXPECT_EQ(w.visited(),
+              (QStringList{"http://a.example", "http://b.example", "http://c.example"}));
+    EXPECT_FALSE(w.timer->enabled());
+    // Navigate Site List goes on where the walk stopped.
+    w.h.run("mnuNavigateSiteList");
+    EXPECT_EQ(w.visited().last(), "http://d.example");
+    EXPECT_EQ(w.state.mlSiteIndex, 0);
+}
+
+TEST(SiteList, PauseWithoutAWalkDisablesItself) {
+    Walk w("a.example\r\n");
+    w.h.menu.setEnabled("mnuPause", true);
+    w.h.menu.setEnabled("mnuChangeTiming", true);
+    w.h.run("mnuPause");
+    EXPECT_FALSE(w.h.menu.isChecked("mnuPause"));
+    EXPECT_FALSE(w.enabled("mnuPause"));
+    EXPECT_FALSE(w.enabled("mnuChangeTiming"));
+    EXPECT_FALSE(w.timer->enabled());
+}
+
+TEST(SiteList, ChangeTimingTakesOnlyNumbers) {
+    struct Case {
+        QString answer; // "" = Cancel
+        int interval;
+        bool logged;
+    };
+    const Case cases[] = {
+        {"1000", 1000, false}, {" 2500 ", 2500, false}, {"2500.5", 2500, false},
+        {"1e3", 1000, false},  {"&H10", 16, false},     {"abc", 32235, false},
+        {"", 32235, false},    {"12abc", 32235, false}, {"70000", 32235, true},
+        {"-5", 32235, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.answer.toStdString());
+        Walk w("a");
+        if (!c.answer.isEmpty())
+            w.h.dialogs.answers = {c.answer};
+        w.h.run("mnuChangeTiming");
+        ASSERT_EQ(w.h.dialogs.prompts.size(), 1u);
+        EXPECT_EQ(w.h.dialogs.prompts[0].prompt, "Enter new timing in millisceonds, 65000 max");
+        EXPECT_EQ(w.h.dialogs.prompts[0].title, "New Timing");
+        EXPECT_EQ(w.h.dialogs.prompts[0].defaultAnswer, "32235");
+        EXPECT_EQ(w.timer->interval(), c.interval);
+        EXPECT_EQ(w.h.log.errors.size(), c.logged ? 1u : 0u);
+        if (c.logged) {
+            EXPECT_EQ(w.h.log.errors[0].location, "mnuChangeTiming_Click");
+        }
+    }
+}
+
+TEST(SiteList, WithoutABrowserEachTickStartsOneWithTheAddress) {
+    Walk w("a.example\r\nhttp://b.example/x?y=1 2\r\n");
+    w.port.connector->browserOpen = false;
+    w.port.program = "/opt/browser/chromium";
+    w.h.run("mnuNavigateSiteList");
+    w.timer->fire();
+    ASSERT_EQ(w.h.launcher.started.size(), 2u);
+    for (const auto& s : w.h.launcher.started) {
+        EXPECT_EQ(s.program, "/opt/browser/chromium");
+        EXPECT_TRUE(s.arguments.contains("--remote-debugging-port=9222"));
+    }
+    EXPECT_EQ(w.h.launcher.started[0].arguments.last(), "a.example");
+    EXPECT_EQ(w.h.launcher.started[1].arguments.last(), "http://b.example/x?y=1 2");
+    EXPECT_TRUE(w.h.window.statuses[0].contains("started /opt/browser/chromium with a.example"));
+    EXPECT_TRUE(w.visited().isEmpty());
+    EXPECT_TRUE(w.h.log.errors.empty());
+}
+
+TEST(SiteList, ABrowserThatCannotBeStartedIsLoggedAndTheTimerStops) {
+    Walk w("a.example\r\nb.example\r\nc.example\r\n");
+    w.port.connector->browserOpen = false; // and no program to start
+    w.h.run("mnuNavigateSiteList");
+    ASSERT_EQ(w.h.log.errors.size(), 1u);
+    EXPECT_EQ(w.h.log.errors[0].location, "mnuNavigateSiteList_Click");
+    EXPECT_TRUE(w.h.log.errors[0].detail.contains("Browser Path"));
+    EXPECT_EQ(w.state.mlSiteIndex, 0);
+    EXPECT_TRUE(w.timer->enabled());
+    w.timer->fire();
+    ASSERT_EQ(w.h.log.errors.size(), 2u);
+    EXPECT_EQ(w.h.log.errors[1].location, "tmrSiteList_Timer");
+    EXPECT_FALSE(w.timer->enabled());
+    // Once a browser answers, Next Item goes on from the same line.
+    w.port.connector->browserOpen = true;
+    w.h.run("mnuNextItem");
+    EXPECT_EQ(w.visited(), QStringList{"http://a.example"});
+}
+
+} // namespace
