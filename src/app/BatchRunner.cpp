@@ -8,6 +8,7 @@
 #include "editor/DocumentIO.h"
 #include "editor/MenuTable.h"
 #include "util/Utility.h"
+#include "web/BrowserPort.h"
 
 #include <QDir>
 #include <QFile>
@@ -235,6 +236,10 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
         if (const MenuItemDecl* d = findMenuItem(item))
             runMenuItem(*d, ctx);
     };
+    // The browser at the endpoint of the settings, for the Load From IE commands.
+    web::DevToolsBrowserPort browser(AppSettings(store, startUp.RegKeyAppName), logger, clipboard,
+                                     launcher);
+    ctx.browser = &browser;
 
     for (const BatchStep& step : o.steps) {
         dialogs.setAnswers(step.answers);
