@@ -1,5 +1,4 @@
 #include "app/ErrorLogger.h"
-#include "editor/MenuTable.h"
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -80,51 +79,5 @@ INSTANTIATE_TEST_SUITE_P(Cases, StampTest,
                                                      "cd"},
                                            StampCase{"mnuInsertTime", "", 0, 0, "", ""},
                                            StampCase{"mnuInsertTime", "ab", 2, 0, "ab", ""}));
-
-TEST(Stamps, FollowTheClock) {
-    Harness h;
-    h.clock.time = QDateTime(QDate(2031, 12, 24), QTime(23, 58, 59));
-    h.run("mnuInsertDateTime");
-    EXPECT_TRUE(h.edit.text().contains(QStringLiteral("58")));
-    EXPECT_TRUE(h.edit.text().contains(QStringLiteral("24")));
-    EXPECT_TRUE(h.edit.text().contains(QStringLiteral(": ")));
-}
-
-// The rows of the menu table: every command is offered to the batch runner and traps its errors
-// under its own label.
-TEST(MenuRows, LabelsAndBatchNames) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"mnuGetCharCount", "mnuShowLineCount_Click"},
-        {"mnuShowLineCount", "mnuShowLineCount_Click"},
-        {"mnuInsertDate", "mnuInsertDate_Click"},
-        {"mnuInsertTime", "mnuInsertDateTime_Click"},
-        {"mnuInsertDateTime", "mnuInsertDateTime_Click"},
-        {"mnuInsertCRAt", "Sub mnuInsertCRAt_Click"},
-        {"mnuInsertTextAt", "mnuInsertTextAt_Click"},
-        {"mnuRemoveLeftSide", "mnuRemoveLeftSide_Click"},
-        {"mnuRemoveRightSide", "mnuRemoveRightSide_Click"},
-        {"mnuInsertBlankLines", "Sub mnuInsertBlankLines_Click"},
-        {"mnuRemoveAllSpaces", "mnuRemoveAllSpaces_Click"},
-        {"mnuTrimLeadingAndTrailingSpaces", "mnuTrimLeadingAndTrailingSpaces_Click"},
-        {"mnuCnvDblSpcToSingle", "mnuCnvDblSpcToSingle_Click"},
-        {"mnuReplaceDoubleBlankLineWithSingle", "mnuReplaceDoubleBlankLineWithSingle_Click"},
-        {"mnuTrimSpaces", "mnuTrimSpaces_Click"},
-        {"mnuRemoveCRLF", "mnuRemoveCRLF_Click"},
-        {"mnuCreateCodeArrayOfWordList", "mnuCreateCodeArrayOfWordList_Click"},
-        {"mnuConvertToLowerCase", "mnuConvertToLowerCase_Click"},
-        {"mnuConvertToUpperCase", "mnuConvertToUpperCase_Click"},
-        {"mnuConvertToProperCase", "mnuConvertToProperCase_Click"},
-        {"mnuCapitalizeEachWord", "mnuCapitalizeEachWord_Click"},
-        {"mnuConvertToCrippledText", "mnuConvertToCrippledText_Click"},
-    };
-    for (const auto& [name, label] : rows) {
-        SCOPED_TRACE(name);
-        const MenuItemDecl* d = findMenuItem(QString::fromLatin1(name));
-        ASSERT_NE(d, nullptr);
-        EXPECT_TRUE(availableInBatch(*d));
-        EXPECT_EQ(trapLabel(*d), QString::fromLatin1(label));
-        EXPECT_EQ(trapModule(*d), "frmEdit");
-    }
-}
 
 } // namespace
