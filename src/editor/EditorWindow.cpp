@@ -150,7 +150,12 @@ void EditorWindow::buildMenus() {
             a->setToolTip(tr("Not available in this version"));
             a->setStatusTip(tr("Not available in this version"));
         }
-        connect(a, &QAction::triggered, this, [this, name] { runItem(name); });
+        connect(a, &QAction::triggered, this, [this, name, a] {
+            // Qt has already flipped the check mark; the handler sets it from the state before.
+            if (a->isCheckable())
+                a->setChecked(!a->isChecked());
+            runItem(name);
+        });
         menu_.add(name, a);
     }
 }

@@ -240,14 +240,14 @@ TEST_F(ChromiumSiteListWindow, ThreeLinesAreVisitedInOrderThenTheWalkEnds) {
     window_->editControl().setText(url(1) + "\r\n" + url(2) + "\r\n" + url(3) + "\r\n");
     click("mnuNavigateSiteList");
     EXPECT_TRUE(shows(1));
-    EXPECT_EQ(selected(), url(1) + "\r");
+    EXPECT_TRUE(selected().startsWith(url(1) + "\r")) << selected().toStdString();
     EXPECT_TRUE(walk().tmrSiteList->enabled());
     EXPECT_TRUE(enabled("mnuPause") && enabled("mnuNextItem") && enabled("mnuChangeTiming"));
     walk().tmrSiteList->fire();
     EXPECT_TRUE(shows(2));
     walk().tmrSiteList->fire();
     EXPECT_TRUE(shows(3));
-    EXPECT_EQ(selected(), url(3) + "\r");
+    EXPECT_TRUE(selected().startsWith(url(3) + "\r")) << selected().toStdString();
     EXPECT_FALSE(walk().tmrSiteList->enabled());
     EXPECT_FALSE(enabled("mnuPause") || enabled("mnuNextItem") || enabled("mnuChangeTiming"));
     EXPECT_EQ(walk().mlSiteIndex, 0);
