@@ -2,6 +2,8 @@
 
 #include "textcmds/Framework.h"
 
+#include <QHash>
+
 #include <type_traits>
 
 namespace ed {
@@ -106,6 +108,7 @@ QString convertCase(QStringView s, bool upper) {
     QString out(n, Qt::Uninitialized);
     QChar* d = out.data();
     qsizetype o = 0;
+    QHash<char32_t, QString> expanded;
     auto room = [&](qsizetype need) {
         if (o + need > out.size()) {
             out.resize(qMax(out.size() + out.size() / 2, o + need) + 16);
@@ -145,8 +148,13 @@ QString convertCase(QStringView s, bool upper) {
             (simple == cp && cat == (upper ? QChar::Letter_Lowercase : QChar::Letter_Uppercase)) ||
             cat == QChar::Letter_Titlecase;
         if (mayExpand) {
-            const QString one = QStringView(in + i, units).toString();
-            const QString full = upper ? one.toUpper() : one.toLower();
+            // Looked up once per distinct character, so a text full of them stays cheap.
+            auto found = expanded.constFind(cp);
+            if (found == expanded.cend()) {
+                const QString one = QStringView(in + i, units).toString();
+                found = expanded.insert(cp, upper ? one.toUpper() : one.toLower());
+            }
+            const QString& full = *found;
             room(full.size());
             for (QChar f : full)
                 d[o++] = f;
