@@ -93,7 +93,11 @@ INSTANTIATE_TEST_SUITE_P(
                       FilterCase{kRepeats, "a \r\na\r\na \r\n", nullptr, "a \r\na\r\n"},
                       FilterCase{kRepeats, "", nullptr, "\r\n"},
                       FilterCase{kRepeats, "\r\n\r\n", nullptr, "\r\n"},
-                      FilterCase{kRepeats, "only", nullptr, "only\r\n"}));
+                      FilterCase{kRepeats, "only", nullptr, "only\r\n"},
+                      // Only CR LF ends a line, also where the pair straddles a block of eight.
+                      FilterCase{kRepeats, "0123456\r\n89\nabcdef\r\r\n0123456\n", nullptr,
+                                 "0123456\r\n89\nabcdef\r\r\n0123456\n\r\n"},
+                      FilterCase{kRepeats, "\n\r\r\n\n\r\r\n", nullptr, "\n\r\r\n"}));
 
 struct PromptCase {
     const char* item;
