@@ -3,6 +3,7 @@
 // to start its browser first. One browser at a time; every browser started is killed.
 
 #include "ChromiumProcess.h"
+#include "SteppedSiteTimer.h"
 #include "TestHttpServer.h"
 #include "support/Fakes.h"
 
@@ -306,20 +307,6 @@ public:
     }
 };
 
-class SteppedTimer : public SiteTimer {
-public:
-    bool enabled() const override { return enabled_; }
-    void setEnabled(bool enabled) override { enabled_ = enabled; }
-    int interval() const override { return interval_; }
-
-protected:
-    void applyInterval(int ms) override { interval_ = ms; }
-
-private:
-    bool enabled_ = false;
-    int interval_ = 0;
-};
-
 TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndTheNextTickNavigatesIt) {
     if (!QFileInfo(test::testChromiumPath()).isExecutable())
         GTEST_SKIP() << "no Chromium";
@@ -344,7 +331,7 @@ TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndTheNextTickNaviga
     DevToolsBrowserPort port(AppSettings(h.settings, h.startUp.RegKeyAppName), h.log, h.clipboard,
                              launcher);
     port.profileDir = dir + "/profile";
-    SiteListState walk(std::make_unique<SteppedTimer>());
+    SiteListState walk(std::make_unique<test::SteppedSiteTimer>());
     CommandContext ctx(h.edit, h.dialogs, h.clipboard,
                        AppSettings(h.settings, h.startUp.RegKeyAppName), h.log, h.clock, launcher,
                        h.menu, h.util, h.form, h.window, h.startUp);

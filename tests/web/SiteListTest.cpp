@@ -1,6 +1,7 @@
 // The site-list walk over a scripted browser and a timer that ticks when the test says so.
 
 #include "FakeBrowser.h"
+#include "SteppedSiteTimer.h"
 #include "support/Fakes.h"
 
 #include "web/SiteList.h"
@@ -11,20 +12,6 @@ using namespace ed;
 using namespace ed::test;
 
 namespace {
-
-class SteppedTimer : public SiteTimer {
-public:
-    bool enabled() const override { return enabled_; }
-    void setEnabled(bool enabled) override { enabled_ = enabled; }
-    int interval() const override { return interval_; }
-
-protected:
-    void applyInterval(int ms) override { interval_ = ms; }
-
-private:
-    bool enabled_ = true;
-    int interval_ = 0;
-};
 
 // A browser port whose sessions know a browser program to start.
 class PortWithProgram : public FakeBrowserPort {
@@ -48,23 +35,13 @@ struct Walk {
     }
     Harness h;
     PortWithProgram port{h.log, h.clipboard, h.launcher};
-    SteppedTimer* timer = new SteppedTimer;
-    SiteListState state{std::unique_ptr<SiteTimer>(timer)};
+    SiteListState state{std::make_unique<SteppedSiteTimer>()};
+    SiteTimer* timer = state.tmrSiteList.get();
 
     QStringList& visited() { return port.connector->window->navigations; }
     bool enabled(const char* item) const { return h.menu.isEnabled(item); }
     QString selected() const { return h.edit.selText(); }
 };
-
-TEST(SiteList, StartsIdleWithTheUsualInterval) {
-    Walk w("a");
-    EXPECT_FALSE(w.timer->enabled());
-    EXPECT_EQ(w.timer->interval(), 32235);
-    EXPECT_EQ(w.state.mlSiteIndex, 0);
-    EXPECT_FALSE(w.enabled("mnuPause"));
-    EXPECT_FALSE(w.enabled("mnuNextItem"));
-    EXPECT_FALSE(w.enabled("mnuChangeTiming"));
-}
 
 TEST(SiteList, TheLastPieceOfTheListIsNeverVisited) {
     struct Case {
@@ -130,7 +107,6 @@ TEST(SiteList, AOneLineDocumentEndsAtTheNextTick) {
 
 TEST(SiteList, AnEmptyDocumentStartsNothing) {
     Walk w("");
-    w.timer->setEnabled(false);
     w.h.run("mnuNavigateSiteList");
     EXPECT_FALSE(w.timer->enabled());
     EXPECT_FALSE(w.enabled("mnuPause"));
