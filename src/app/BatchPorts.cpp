@@ -3,6 +3,8 @@
 #include "app/BatchRunner.h"
 #include "editor/MenuTable.h"
 
+#include <cstdio>
+
 namespace ed {
 
 QString ScriptedDialogs::inputBox(const QString& prompt, const QString& title,
@@ -53,6 +55,8 @@ void DeclaredMenuState::setChecked(const QString& item, bool checked) { checked_
 
 void QuietWindow::showStatus(const QString& text) {
     report_(QStringLiteral("status: ") + escapeReport(text));
+    if (!reporting_)
+        std::fprintf(stderr, "Editor: %s\n", text.toLocal8Bit().constData());
 }
 
 } // namespace ed

@@ -56,7 +56,9 @@ private:
 
 class QuietWindow : public FormWindow {
 public:
-    explicit QuietWindow(ReportFn report) : report_(std::move(report)) {}
+    // Status lines go to the report with --report, else straight to stderr.
+    QuietWindow(ReportFn report, bool reporting)
+        : report_(std::move(report)), reporting_(reporting) {}
     void setCaption(const QString& caption) override { caption_ = caption; }
     QString caption() const override { return caption_; }
     void showStatus(const QString& text) override;
@@ -64,6 +66,7 @@ public:
 
 private:
     ReportFn report_;
+    bool reporting_;
     QString caption_;
 };
 

@@ -131,7 +131,19 @@ void writeLine(FILE* f, const QString& line) {
 
 // Loads FILE (or standard input) as the window does. A regular file is mapped rather than
 // copied: a big document then costs one decoding pass and no second buffer of its bytes.
+bool loadInputFile(const QString& path, LoadedDocument& doc, QString& error);
+
+// A document with no line break has no style of its own: the output then uses the model's
+// CR LF, as the commands write it.
 bool loadInput(const QString& path, LoadedDocument& doc, QString& error) {
+    if (!loadInputFile(path, doc, error))
+        return false;
+    if (!doc.text.contains(QStringLiteral("\r\n")))
+        doc.format.lineBreak = LineBreak::CrLf;
+    return true;
+}
+
+bool loadInputFile(const QString& path, LoadedDocument& doc, QString& error) {
     if (path.isEmpty() || path == u"-") {
         QFile in;
         if (!in.open(stdin, QIODevice::ReadOnly)) {
@@ -227,7 +239,7 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
     form.FileName = fromStdin ? QString() : QFileInfo(o.inFile).absoluteFilePath();
     form.LastDir = form.FileName.isEmpty() ? QString() : QFileInfo(form.FileName).path() + u'/';
     form.caption = form.FileName;
-    QuietWindow window(report);
+    QuietWindow window(report, o.report);
     window.setCaption(form.FileName);
 
     CommandContext ctx(edit, dialogs, clipboard, AppSettings(store, startUp.RegKeyAppName), logger,

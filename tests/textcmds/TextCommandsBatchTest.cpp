@@ -83,10 +83,10 @@ INSTANTIATE_TEST_SUITE_P(
                   {"--apply", "CnvDblSpcToSingle", "--apply", "ConvertToProperCase"},
                   "A B\r\n"}));
 
-TEST(TextCommandsBatchReport, TextWithoutBreaksIsWrittenInThePlatformStyle) {
+TEST(TextCommandsBatchReport, TextWithoutBreaksGetsTheCommandsCrLf) {
     const BatchRun r = runEditor("a,b,c", {"--apply", "InsertCRAt", "--answer", ","});
     EXPECT_EQ(r.exitCode, 0);
-    EXPECT_EQ(r.out, encodeText(QStringLiteral("a,\r\nb,c\r\n"), defaultTextFormat()));
+    EXPECT_EQ(r.out, "a,\r\nb,c\r\n");
 }
 
 TEST(TextCommandsBatchReport, CountsAreReported) {
