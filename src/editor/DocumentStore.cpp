@@ -17,7 +17,8 @@ bool TextDocumentFiles::load(const QString& path, bool rtf, QString& error) {
         edit_.setText(QString());
         return false;
     }
-    if (rtf)
+    // A file named .rtf that holds no RTF is opened as the text it is.
+    if (rtf && looksLikeRtf(bytes))
         return loadRtf(bytes, error);
     format_ = decodeDocument(bytes, path);
     edit_.setText(format_.text);

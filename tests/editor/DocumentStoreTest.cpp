@@ -73,4 +73,18 @@ TEST(DocumentStore, RtfRoundTripKeepsText) {
     EXPECT_EQ(again.text(), edit.text());
 }
 
+TEST(DocumentStore, RtfNamedFileWithoutRtfOpensAsText) {
+    QTemporaryDir dir;
+    const QString path = dir.path() + "/plain.rtf";
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("just text\n");
+    f.close();
+    TextBuffer edit;
+    TextDocumentFiles files(edit);
+    QString error;
+    ASSERT_TRUE(files.load(path, true, error));
+    EXPECT_EQ(edit.text(), "just text\r\n");
+}
+
 } // namespace
