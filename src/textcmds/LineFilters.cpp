@@ -19,14 +19,23 @@ const QString kContainsTitle = QStringLiteral("Type text lines must contain");
 // Keeps the lines whose lower-cased form contains the lower-cased `answer` exactly when
 // `keepContaining` is set.
 void filterByText(CommandContext& ctx, const QString& answer, bool keepContaining) {
-    const QStringMatcher matcher(answer.toLower(), Qt::CaseSensitive);
+    const QString pattern = answer.toLower();
+    const QStringMatcher matcher(pattern, Qt::CaseSensitive);
     LowerCaser lower;
     const QString text = ctx.edit.text();
     LineWriter out(text.size() + 2);
-    forEachCrLfLine(text, [&](QStringView line) {
-        if ((matcher.indexIn(lower(line)) >= 0) == keepContaining)
-            out.add(line);
-    });
+    if (pattern.isEmpty() || pattern.contains(u'\r') || pattern.contains(u'\n')) {
+        // Every line contains the empty text; a line break in the text never lies in one line.
+        forEachCrLfLine(text, [&](QStringView line) {
+            if ((matcher.indexIn(lower(line)) >= 0) == keepContaining)
+                out.add(line);
+        });
+    } else {
+        forEachLineRun(text, matcher, lower, [&](QStringView run, bool matched) {
+            if (matched == keepContaining)
+                out.add(run);
+        });
+    }
     ctx.edit.setText(std::move(out).finish());
 }
 

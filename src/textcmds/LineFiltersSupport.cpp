@@ -60,15 +60,25 @@ bool LowerCaser::lowersDifferently(char16_t c) {
     return different_[c];
 }
 
-QStringView LowerCaser::operator()(QStringView s) {
+bool LowerCaser::lowerInto(QStringView s, char16_t* d) {
     const qsizetype n = s.size();
-    if (buffer_.size() < n)
-        buffer_.resize(n);
-    auto* d = reinterpret_cast<char16_t*>(buffer_.data());
     const char16_t* p = s.utf16();
+    // One character outside ASCII: right unless it is half of a pair or lowers into more than one.
+    auto one = [&](qsizetype i) {
+        const char16_t c = p[i];
+        if (c < 0x80) {
+            d[i] = char16_t(c - u'A') < 26 ? char16_t(c + 32) : c;
+            return true;
+        }
+        if (QChar::isSurrogate(c) || lowersDifferently(c))
+            return false;
+        d[i] = char16_t(QChar::toLower(char32_t(c)));
+        return true;
+    };
     qsizetype i = 0;
 #ifdef __SSE2__
-    // Eight ASCII characters at a time: 'A'..'Z' get 0x20 added.
+    // Eight ASCII characters at a time: 'A'..'Z' get 0x20 added. A group with anything else in
+    // it goes one character at a time.
     const __m128i nonAscii = _mm_set1_epi16(short(0xFF80));
     const __m128i beforeA = _mm_set1_epi16(u'A' - 1);
     const __m128i afterZ = _mm_set1_epi16(u'Z' + 1);
@@ -76,33 +86,37 @@ QStringView LowerCaser::operator()(QStringView s) {
     for (; i + 8 <= n; i += 8) {
         __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
         if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(v, nonAscii), _mm_setzero_si128())) !=
-            0xFFFF)
-            break;
+            0xFFFF) {
+            for (qsizetype k = i; k < i + 8; ++k)
+                if (!one(k))
+                    return false;
+            continue;
+        }
         const __m128i upper =
             _mm_and_si128(_mm_cmpgt_epi16(v, beforeA), _mm_cmplt_epi16(v, afterZ));
         v = _mm_add_epi16(v, _mm_and_si128(upper, caseBit));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), v);
     }
 #endif
-    for (; i < n; ++i) {
-        const char16_t c = p[i];
-        if (c < 0x80) {
-            d[i] = char16_t(c - u'A') < 26 ? char16_t(c + 32) : c;
-            continue;
-        }
-        // Outside ASCII one character at a time is right unless the character is half of a
-        // pair or lowers into more than one character: then the whole line goes through the
-        // full conversion, in place in the buffer.
-        if (QChar::isSurrogate(c) || lowersDifferently(c)) {
-            buffer_.resize(n);
-            d = reinterpret_cast<char16_t*>(buffer_.data());
-            std::memcpy(d, p, size_t(n) * sizeof(char16_t));
-            buffer_ = std::move(buffer_).toLower();
-            return QStringView(buffer_);
-        }
-        d[i] = char16_t(QChar::toLower(char32_t(c)));
-    }
-    return QStringView(d, n);
+    for (; i < n; ++i)
+        if (!one(i))
+            return false;
+    return true;
+}
+
+QStringView LowerCaser::operator()(QStringView s) {
+    const qsizetype n = s.size();
+    if (buffer_.size() < n)
+        buffer_.resize(n);
+    auto* d = reinterpret_cast<char16_t*>(buffer_.data());
+    if (lowerInto(s, d))
+        return QStringView(d, n);
+    // The whole line goes through the full conversion, in place in the buffer.
+    buffer_.resize(n);
+    d = reinterpret_cast<char16_t*>(buffer_.data());
+    std::memcpy(d, s.utf16(), size_t(n) * sizeof(char16_t));
+    buffer_ = std::move(buffer_).toLower();
+    return QStringView(buffer_);
 }
 
 std::vector<QStringView> splitCrLfLines(QStringView text) {
@@ -111,6 +125,64 @@ std::vector<QStringView> splitCrLfLines(QStringView text) {
     adviseHugePages(lines.data(), lines.capacity() * sizeof(QStringView));
     forEachCrLfLine(text, [&](QStringView line) { lines.push_back(line); });
     return lines;
+}
+
+void forEachLineRun(QStringView text, const QStringMatcher& matcher, LowerCaser& lower,
+                    const std::function<void(QStringView, bool)>& f) {
+    constexpr qsizetype kBlock = 32 * 1024;
+    const char16_t* p = text.utf16();
+    const qsizetype n = text.size();
+    const qsizetype m = matcher.pattern().size();
+    std::vector<char16_t> lowered;
+    qsizetype runStart = 0; // the first line not yet handed to f
+    // The line [start, end) contains the pattern: the lines before it go as one run.
+    auto found = [&](qsizetype start, qsizetype end) {
+        if (start > runStart)
+            f(QStringView(p + runStart, start - 2 - runStart), false);
+        f(QStringView(p + start, end - start), true);
+        runStart = end + 2;
+    };
+    // The end of the line of `s` holding `from`: its CR LF, else the end of `s`.
+    auto lineEnd = [](QStringView s, qsizetype from) {
+        const qsizetype br = s.mid(from).indexOf(u"\r\n");
+        return br < 0 ? s.size() : from + br;
+    };
+    qsizetype pos = 0; // the start of the next block, always a line start
+    while (true) {
+        // A block of whole lines: [pos, end) with end at a CR LF or the end of the text.
+        const qsizetype end = pos + kBlock >= n ? n : lineEnd(text, pos + kBlock - 1);
+        const QStringView block(p + pos, end - pos);
+        lowered.resize(size_t(block.size()));
+        if (lower.lowerInto(block, lowered.data())) {
+            const QStringView low(lowered.data(), block.size());
+            qsizetype from = 0;
+            while (from <= low.size()) {
+                const qsizetype hit = matcher.indexIn(low, from);
+                if (hit < 0)
+                    break;
+                // The pattern holds no CR or LF: the hit lies inside one line.
+                qsizetype start = hit;
+                while (start > 0 &&
+                       !(low[start - 1] == u'\n' && start >= 2 && low[start - 2] == u'\r'))
+                    --start;
+                const qsizetype stop = lineEnd(low, hit + m);
+                found(pos + start, pos + stop);
+                from = stop + 2;
+            }
+        } else {
+            forEachCrLfLine(block, [&](QStringView line) {
+                if (matcher.indexIn(lower(line)) >= 0) {
+                    const qsizetype start = line.utf16() - p;
+                    found(start, start + line.size());
+                }
+            });
+        }
+        if (end >= n)
+            break;
+        pos = end + 2;
+    }
+    if (runStart <= n)
+        f(QStringView(p + runStart, n - runStart), false);
 }
 
 LineWriter::LineWriter(qsizetype capacity) : out_(capacity, Qt::Uninitialized) {

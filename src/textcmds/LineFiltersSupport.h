@@ -5,10 +5,12 @@
 #include "util/HugePages.h"
 
 #include <QString>
+#include <QStringMatcher>
 #include <QStringView>
 
 #include <bitset>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -29,6 +31,10 @@ std::optional<qint32> roundedInt32(QStringView s);
 class LowerCaser {
 public:
     QStringView operator()(QStringView s);
+    // Lower-cases `s` into `out` (room for s.size() units) one character for one, as
+    // QString::toLower does; false (and `out` partly written) when a character of `s` needs the
+    // full conversion: half of a surrogate pair, or one that lowers into more than one.
+    bool lowerInto(QStringView s, char16_t* out);
 
 private:
     // True when QString::toLower turns `c` into something other than QChar::toLower(c) gives
@@ -72,6 +78,15 @@ template <class F> void forEachCrLfLine(QStringView text, F&& f) {
 }
 
 std::vector<QStringView> splitCrLfLines(QStringView text);
+
+// Splits `text` at CR LF as forEachCrLfLine does and calls f(run, matched) for stretches of
+// whole lines in order: `run` is one or more lines joined by their CR LF (the last line's break
+// left out) that all do (matched) or all do not contain `matcher`'s pattern once lower-cased by
+// `lower`. The pattern must be lower-case, not empty and free of CR and LF. The text is
+// lower-cased and searched a block of lines at a time, so a line costs nothing of its own
+// unless the pattern is found in it.
+void forEachLineRun(QStringView text, const QStringMatcher& matcher, LowerCaser& lower,
+                    const std::function<void(QStringView run, bool matched)>& f);
 
 // Collects output lines, each followed by CR LF, in one buffer allocated up front. A filter of
 // a text never writes more than the text and one line break: text.size() + 2.
