@@ -154,16 +154,17 @@ std::unique_ptr<test::TestHttpServer> ChromiumBatch::server_;
 TEST_F(ChromiumBatch, LinksArePrintedOneALineWithAnEmptyLineForTheMailLink) {
     const BatchResult r = run({"--apply", "GetBrowserLinks"});
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    // Inserted into the empty document, then the line break InsertText puts after it.
-    EXPECT_EQ(r.out, "http://one.example/x\n\nhttp://files.example/a.pdf\n"
-                     "http://files.example/a.htm\n\n");
+    // Inserted into the empty document, then the line break InsertText puts after it; an
+    // empty document has no line-break style of its own, so the lines end in CR LF.
+    EXPECT_EQ(r.out, "http://one.example/x\r\n\r\nhttp://files.example/a.pdf\r\n"
+                     "http://files.example/a.htm\r\n\r\n");
     EXPECT_EQ(r.err, "");
 }
 
 TEST_F(ChromiumBatch, LinksConditionallyKeepTheLinksThatContainTheAnswer) {
     const BatchResult r = run({"--apply", "GetBrowserLinksConditional", "--answer", "PDF"});
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out, "http://files.example/a.pdf\n\n");
+    EXPECT_EQ(r.out, "http://files.example/a.pdf\r\n\r\n");
 }
 
 TEST_F(ChromiumBatch, HtmlAndTextOfThePageAreInserted) {
