@@ -7,6 +7,7 @@
 //  3. selectionOrWhole: transform the selection in place, or the whole text when there is none.
 
 #include "app/Command.h"
+#include "textcmds/LineFiltersSupport.h"
 
 #include <QString>
 #include <QStringView>
@@ -26,20 +27,7 @@ std::optional<QString> promptRemembered(CommandContext& ctx, const QString& prom
 template <class F>
 void forEachLine(QStringView text, F&& f) {
     // A CR LF ends a line; a lone LF or CR is an ordinary character of the line.
-    qsizetype start = 0;
-    const qsizetype n = text.size();
-    qsizetype from = 0;
-    while (true) {
-        const qsizetype lf = text.indexOf(u'\n', from);
-        if (lf < 0)
-            break;
-        if (lf > start && text[lf - 1] == u'\r') {
-            f(text.mid(start, lf - 1 - start));
-            start = lf + 1;
-        }
-        from = lf + 1;
-    }
-    f(text.mid(start, n - start));
+    forEachCrLfLine(text, std::forward<F>(f));
 }
 
 // Number of pieces `forEachLine` yields.

@@ -79,18 +79,22 @@ LineBreak detectLineBreak(const QString& text) {
     auto lone = [&](qsizetype lf) { return lf == 0 || p[lf - 1] != u'\r'; };
     qsizetype i = 0;
 #ifdef __SSE2__
-    // Eight characters at a time; a document is mostly not line breaks.
+    // Eight characters at a time, each compared with the one before it: an LF not after a CR
+    // anywhere in the block is a lone one.
+    if (n > 0 && p[0] == u'\n')
+        return LineBreak::Lf;
     const __m128i newline = _mm_set1_epi16(u'\n');
-    for (; i + 8 <= n; i += 8) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-        auto mask = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi16(block, newline)));
-        while (mask) {
-            const int bit = __builtin_ctz(mask);
-            if (lone(i + bit / 2))
-                return LineBreak::Lf;
-            crlf = true;
-            mask &= ~(3u << bit);
-        }
+    const __m128i cr = _mm_set1_epi16(u'\r');
+    for (i = 1; i + 8 <= n; i += 8) {
+        const __m128i lf =
+            _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i)), newline);
+        if (_mm_movemask_epi8(lf) == 0)
+            continue;
+        crlf = true;
+        const __m128i afterCr =
+            _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i - 1)), cr);
+        if (_mm_movemask_epi8(_mm_andnot_si128(afterCr, lf)) != 0)
+            return LineBreak::Lf;
     }
 #endif
     for (; i < n; ++i) {
@@ -107,17 +111,6 @@ LineBreak detectLineBreak(const QString& text) {
     return defaultTextFormat().lineBreak;
 }
 
-// QString::fromUtf8 into a buffer sized for the worst case (one UTF-16 unit per byte), so
-// that a big file's text can get huge pages before it is written.
-QString decodeUtf8(const char* p, qsizetype n) {
-    QString text(n, Qt::Uninitialized);
-    adviseHugePages(text.constData(), size_t(n) * sizeof(QChar));
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QChar* end = decoder.appendToBuffer(text.data(), QByteArrayView(p, n));
-    text.truncate(end - text.constData());
-    return text;
-}
-
 // QString::toUtf8, optionally after a byte order mark, into a buffer sized for the worst case
 // and advised huge pages. The converter writes U+FFFD for a lone surrogate where toUtf8 writes
 // '?': such a text is converted again by toUtf8.
@@ -132,6 +125,79 @@ QByteArray encodeUtf8(const QString& text, bool bom) {
         return mark + text.toUtf8();
     out.truncate(end - out.constData());
     return out;
+}
+
+// Checks and decodes UTF-8 in one pass: sixteen ASCII bytes at a time are widened at once, and
+// anything else is decoded one sequence at a time with the checks of isValidUtf8. False when
+// the bytes are not valid UTF-8 (`text` is then unspecified).
+bool decodeValidUtf8(const char* p, qsizetype n, QString& text) {
+    text = QString(n, Qt::Uninitialized);
+    adviseHugePages(text.constData(), size_t(n) * sizeof(QChar));
+    auto* d = reinterpret_cast<char16_t*>(text.data());
+    const auto* s = reinterpret_cast<const unsigned char*>(p);
+    qsizetype i = 0;
+    while (i < n) {
+#ifdef __SSE2__
+        const __m128i zero = _mm_setzero_si128();
+        while (i + 16 <= n) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+            // All sixteen are written; only the ASCII ones before the first other byte count.
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_unpacklo_epi8(v, zero));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 8), _mm_unpackhi_epi8(v, zero));
+            const int mask = _mm_movemask_epi8(v);
+            if (mask != 0) {
+                const int ascii = __builtin_ctz(unsigned(mask));
+                d += ascii;
+                i += ascii;
+                break;
+            }
+            d += 16;
+            i += 16;
+        }
+#endif
+        if (i >= n)
+            break;
+        const unsigned char c = s[i];
+        if (c < 0x80) {
+            *d++ = c;
+            ++i;
+            continue;
+        }
+        int len;
+        quint32 cp;
+        if (c >= 0xC2 && c <= 0xDF) {
+            len = 2;
+            cp = c & 0x1F;
+        } else if (c >= 0xE0 && c <= 0xEF) {
+            len = 3;
+            cp = c & 0x0F;
+        } else if (c >= 0xF0 && c <= 0xF4) {
+            len = 4;
+            cp = c & 0x07;
+        } else {
+            return false;
+        }
+        if (i + len > n)
+            return false;
+        for (int k = 1; k < len; ++k) {
+            const unsigned char cc = s[i + k];
+            if ((cc & 0xC0) != 0x80)
+                return false;
+            cp = (cp << 6) | (cc & 0x3F);
+        }
+        if ((len == 3 && (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF))) ||
+            (len == 4 && (cp < 0x10000 || cp > 0x10FFFF)))
+            return false;
+        if (cp >= 0x10000) {
+            *d++ = char16_t(0xD800 + ((cp - 0x10000) >> 10));
+            *d++ = char16_t(0xDC00 + ((cp - 0x10000) & 0x3FF));
+        } else {
+            *d++ = char16_t(cp);
+        }
+        i += len;
+    }
+    text.truncate(d - reinterpret_cast<const char16_t*>(text.constData()));
+    return true;
 }
 
 } // namespace
@@ -197,9 +263,8 @@ QString decodeText(const QByteArray& bytes, TextFormat* format) {
         f.encoding = Encoding::Utf16BE;
         QStringDecoder dec(QStringDecoder::Utf16BE, QStringDecoder::Flag::Stateless);
         text = dec(QByteArrayView(p + 2, n - 2));
-    } else if (isValidUtf8(p, n)) {
+    } else if (decodeValidUtf8(p, n, text)) {
         f.encoding = Encoding::Utf8;
-        text = decodeUtf8(p, n);
     } else {
         f.encoding = Encoding::Latin1;
         text = QString::fromLatin1(p, n);
@@ -238,20 +303,28 @@ QByteArray encodeText(const QString& model, const TextFormat& format) {
 
 const char* encodingName(Encoding e) {
     switch (e) {
-    case Encoding::Utf8: return "UTF-8";
-    case Encoding::Utf8Bom: return "UTF-8 with BOM";
-    case Encoding::Utf16LE: return "UTF-16 LE";
-    case Encoding::Utf16BE: return "UTF-16 BE";
-    case Encoding::Latin1: return "Latin-1";
+    case Encoding::Utf8:
+        return "UTF-8";
+    case Encoding::Utf8Bom:
+        return "UTF-8 with BOM";
+    case Encoding::Utf16LE:
+        return "UTF-16 LE";
+    case Encoding::Utf16BE:
+        return "UTF-16 BE";
+    case Encoding::Latin1:
+        return "Latin-1";
     }
     return "?";
 }
 
 const char* lineBreakName(LineBreak l) {
     switch (l) {
-    case LineBreak::CrLf: return "CR LF";
-    case LineBreak::Lf: return "LF";
-    case LineBreak::Cr: return "CR";
+    case LineBreak::CrLf:
+        return "CR LF";
+    case LineBreak::Lf:
+        return "LF";
+    case LineBreak::Cr:
+        return "CR";
     }
     return "?";
 }
