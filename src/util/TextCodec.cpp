@@ -112,18 +112,63 @@ LineBreak detectLineBreak(const QString& text) {
 }
 
 // QString::toUtf8, optionally after a byte order mark, into a buffer sized for the worst case
-// and advised huge pages. The converter writes U+FFFD for a lone surrogate where toUtf8 writes
-// '?': such a text is converted again by toUtf8.
+// and advised huge pages; eight ASCII characters at a time are narrowed at once. A text with a
+// lone surrogate is converted by toUtf8 instead, which writes '?' for it.
 QByteArray encodeUtf8(const QString& text, bool bom) {
     const QByteArray mark = bom ? QByteArray("\xEF\xBB\xBF") : QByteArray();
-    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-    QByteArray out(mark.size() + encoder.requiredSpace(text.size()), Qt::Uninitialized);
+    const qsizetype n = text.size();
+    QByteArray out(mark.size() + 3 * n, Qt::Uninitialized);
     adviseHugePages(out.constData(), size_t(out.size()));
     std::memcpy(out.data(), mark.constData(), size_t(mark.size()));
-    const char* end = encoder.appendToBuffer(out.data() + mark.size(), text);
-    if (encoder.hasError())
-        return mark + text.toUtf8();
-    out.truncate(end - out.constData());
+    auto* d = reinterpret_cast<unsigned char*>(out.data()) + mark.size();
+    const auto* s = reinterpret_cast<const char16_t*>(text.constData());
+    qsizetype i = 0;
+    while (i < n) {
+#ifdef __SSE2__
+        const __m128i nonAscii = _mm_set1_epi16(short(0xFF80));
+        while (i + 8 <= n) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+            // All eight are written; only the ASCII ones before the first other one count.
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d), _mm_packus_epi16(v, v));
+            const unsigned ascii = unsigned(_mm_movemask_epi8(
+                _mm_cmpeq_epi16(_mm_and_si128(v, nonAscii), _mm_setzero_si128())));
+            if (ascii != 0xFFFF) {
+                const int k = __builtin_ctz(~ascii) / 2;
+                d += k;
+                i += k;
+                break;
+            }
+            d += 8;
+            i += 8;
+        }
+#endif
+        if (i >= n)
+            break;
+        const char16_t c = s[i];
+        if (c < 0x80) {
+            *d++ = (unsigned char)c;
+            ++i;
+        } else if (c < 0x800) {
+            *d++ = (unsigned char)(0xC0 | (c >> 6));
+            *d++ = (unsigned char)(0x80 | (c & 0x3F));
+            ++i;
+        } else if (!QChar::isSurrogate(c)) {
+            *d++ = (unsigned char)(0xE0 | (c >> 12));
+            *d++ = (unsigned char)(0x80 | ((c >> 6) & 0x3F));
+            *d++ = (unsigned char)(0x80 | (c & 0x3F));
+            ++i;
+        } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(s[i + 1])) {
+            const char32_t cp = QChar::surrogateToUcs4(c, s[i + 1]);
+            *d++ = (unsigned char)(0xF0 | (cp >> 18));
+            *d++ = (unsigned char)(0x80 | ((cp >> 12) & 0x3F));
+            *d++ = (unsigned char)(0x80 | ((cp >> 6) & 0x3F));
+            *d++ = (unsigned char)(0x80 | (cp & 0x3F));
+            i += 2;
+        } else {
+            return mark + text.toUtf8();
+        }
+    }
+    out.truncate(reinterpret_cast<char*>(d) - out.constData());
     return out;
 }
 
