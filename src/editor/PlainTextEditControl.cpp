@@ -71,7 +71,33 @@ QString PlainTextEditControl::text() const {
     return cache_;
 }
 
+namespace {
+// Lines longer than this are laid out without complex shaping: the widget lays out a line as a
+// whole, and shaping a line of megabytes would hold the window for many seconds.
+constexpr qsizetype kLongLine = 100000;
+
+qsizetype longestLine(const QString& text) {
+    qsizetype longest = 0, start = 0;
+    const qsizetype n = text.size();
+    for (qsizetype i = text.indexOf(u'\n'); i >= 0; i = text.indexOf(u'\n', i + 1)) {
+        longest = qMax(longest, i - start);
+        start = i + 1;
+    }
+    return qMax(longest, n - start);
+}
+} // namespace
+
+void PlainTextEditControl::applyShaping(bool longLines) {
+    QFont f = widget_->font();
+    const auto strategy = longLines ? QFont::PreferNoShaping : QFont::PreferDefault;
+    if (f.styleStrategy() != strategy) {
+        f.setStyleStrategy(strategy);
+        widget_->setFont(f);
+    }
+}
+
 void PlainTextEditControl::setText(const QString& text) {
+    applyShaping(longestLine(text) > kLongLine);
     // A whole-text assignment replaces the content in one undoable step and drops formatting.
     ownEdit_ = true;
     widget_->document()->setPlainText(modelToWidgetText(text));
@@ -169,6 +195,7 @@ void PlainTextEditControl::setSelectionFont(const FontSpec& font) {
             f.setPointSizeF(font.size);
         f.setBold(font.bold);
         f.setItalic(font.italic);
+        f.setStyleStrategy(widget_->font().styleStrategy());
         if (f != widget_->font())
             widget_->setFont(f);
         return;

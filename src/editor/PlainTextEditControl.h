@@ -40,6 +40,8 @@ public:
     int toWidget(int modelPos) const;
 
 private:
+    void applyShaping(bool longLines);
+
     QPlainTextEdit* widget_;
     mutable QString cache_;
     mutable bool cacheValid_ = false;
