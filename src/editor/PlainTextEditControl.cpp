@@ -111,6 +111,13 @@ void PlainTextEditControl::setText(const QString& text) {
 
 void PlainTextEditControl::replaceRange(int start, int length, const QString& replacement) {
     const QString before = text();
+    if (qsizetype(length) * 2 > before.size()) {
+        // Most of the document changes: taking the whole new text is faster than editing it.
+        QString after = before;
+        after.replace(start, length, replacement);
+        setText(after);
+        return;
+    }
     QTextCursor c(widget_->document());
     c.setPosition(toWidget(start));
     c.setPosition(toWidget(start + length), QTextCursor::KeepAnchor);
