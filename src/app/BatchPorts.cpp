@@ -7,6 +7,22 @@
 
 namespace ed {
 
+QString escapeReport(const QString& text) {
+    QString out;
+    out.reserve(text.size());
+    for (QChar c : text) {
+        if (c == u'\\')
+            out += QStringLiteral("\\\\");
+        else if (c == u'\r')
+            out += QStringLiteral("\\r");
+        else if (c == u'\n')
+            out += QStringLiteral("\\n");
+        else
+            out += c;
+    }
+    return out;
+}
+
 QString ScriptedDialogs::inputBox(const QString& prompt, const QString& title,
                                   const QString& defaultAnswer) {
     report_(QStringLiteral("prompt: %1 | %2 | %3")

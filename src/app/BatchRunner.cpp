@@ -16,21 +16,6 @@
 
 namespace ed {
 
-QString escapeReport(const QString& text) {
-    QString out;
-    out.reserve(text.size());
-    for (QChar c : text) {
-        if (c == u'\\')
-            out += QStringLiteral("\\\\");
-        else if (c == u'\r')
-            out += QStringLiteral("\\r");
-        else if (c == u'\n')
-            out += QStringLiteral("\\n");
-        else
-            out += c;
-    }
-    return out;
-}
 
 bool parseBatchArguments(const QStringList& args, BatchOptions& o, QString& error) {
     auto need = [&](qsizetype i, const QString& opt) {

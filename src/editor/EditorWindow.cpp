@@ -1,6 +1,7 @@
 #include "editor/EditorWindow.h"
 
 #include "editor/AboutBox.h"
+#include "editor/BackgroundCommand.h"
 #include "editor/DocumentStore.h"
 #include "editor/FormLoad.h"
 #include "editor/HistoryCommands.h"
@@ -43,6 +44,8 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     edit_ = new PlainTextEditControl(text_);
     files_ = std::make_unique<WidgetDocumentFiles>(*edit_);
     history_ = std::make_unique<UndoHistory>();
+    background_ = std::make_unique<BackgroundCommands>(BackgroundCommands::Services{
+        this, &dialogs_, &logger_, &startUp_, edit_, &form_});
     browser_ = std::make_unique<web::DevToolsBrowserPort>(
         AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_, &fileDialogs_);
     siteList_ = std::make_unique<SiteListState>(std::make_unique<QtSiteTimer>());
@@ -75,6 +78,7 @@ void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
 
 void EditorWindow::setDialogs(Dialogs* dialogs) {
     makeContext(*dialogs, ctx_->fileDialogs);
+    background_->setDialogs(dialogs);
     logger_.setDialogs(dialogs);
 }
 
@@ -169,7 +173,10 @@ void EditorWindow::runItem(const QString& name) {
     if (outermost)
         commitTyping();
     ++running_;
-    runMenuItem(*d, *ctx_);
+    if (outermost && BackgroundCommands::runsOnTextAlone(*d))
+        background_->run(*d);
+    else
+        runMenuItem(*d, *ctx_);
     --running_;
     if (!outermost)
         return;

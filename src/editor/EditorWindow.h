@@ -23,6 +23,7 @@ namespace ed {
 class PlainTextEditControl;
 class TextDocumentFiles;
 class UndoHistory;
+class BackgroundCommands;
 class BrowserPort;
 class SiteListState;
 
@@ -55,6 +56,7 @@ public:
     void setDialogs(Dialogs* dialogs);
     void setFileDialogs(FileDialogs* dialogs);
     UndoHistory& history() { return *history_; }
+    BackgroundCommands& background() { return *background_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -83,6 +85,7 @@ private:
     FormState form_;
     std::unique_ptr<TextDocumentFiles> files_;
     std::unique_ptr<UndoHistory> history_;
+    std::unique_ptr<BackgroundCommands> background_;
     std::unique_ptr<BrowserPort> browser_;
     std::unique_ptr<SiteListState> siteList_;
     std::unique_ptr<CommandContext> ctx_;

@@ -1,5 +1,6 @@
 // The window assembled for real on the offscreen platform, over real temporary files.
 
+#include "editor/BackgroundCommand.h"
 #include "editor/EditorWindow.h"
 #include "editor/PlainTextEditControl.h"
 #include "support/Fakes.h"
@@ -183,6 +184,39 @@ TEST_F(WindowTest, RecentFilesNewestFirstAndMissingRemoved) {
     EXPECT_EQ(links[0], path("b.txt"));
     EXPECT_EQ(links[1], "");
     EXPECT_EQ(dialogs_.messages.back().title, "File not found");
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(WindowTest, LongCommandCanBeCancelledAndLeavesTheDocument) {
+    QByteArray big;
+    for (int i = 0; i < 400000; ++i)
+        big += "line " + QByteArray::number(i % 5000) + " of a long document\r\n";
+    write("big.txt", big);
+    open(path("big.txt"));
+    const QString before = edit().text();
+    int shown = 0;
+    window_->background().busyDelayMs = 0;
+    window_->background().showBusy = [&](std::function<void()> cancel) {
+        ++shown;
+        cancel();
+    };
+    dialogs_.answers = {"1"};
+    run("mnuRemoveLinesContainingText");
+    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(edit().text(), before);
+    EXPECT_FALSE(window_->menuState().isEnabled("mnuUndo"));
+
+    // Not cancelled: the same command gives its result, one undo step.
+    window_->background().showBusy = [&](std::function<void()>) { ++shown; };
+    dialogs_.answers = {"1"};
+    run("mnuRemoveLinesContainingText");
+    EXPECT_NE(edit().text(), before);
+    EXPECT_FALSE(edit().text().contains("1"));
+    run("mnuUndo");
+    EXPECT_EQ(edit().text(), before);
 }
 
 } // namespace

@@ -1,0 +1,181 @@
+#include "editor/BackgroundCommand.h"
+
+#include "app/BatchPorts.h"
+#include "app/ErrorLogger.h"
+#include "app/SettingsStore.h"
+#include "app/SystemPorts.h"
+#include "app/TextBuffer.h"
+#include "util/Utility.h"
+
+#include <QEventLoop>
+#include <QProgressDialog>
+#include <QThread>
+#include <QTimer>
+#include <QWidget>
+
+#include <atomic>
+#include <memory>
+
+namespace ed {
+
+namespace {
+
+// What a command running on the worker uses: its own copy of everything it may touch.
+struct Job {
+    std::atomic<bool> cancelled{false};
+    std::atomic<int> openDialogs{0};
+    TextBuffer doc;
+    SystemClock clock;
+    ProcessLauncher launcher;
+    SettingsStore store;
+    DeclaredMenuState menu;
+    MemoryClipboard clipboard;
+    FormState form;
+    std::unique_ptr<Utility> util;
+    std::unique_ptr<Dialogs> dialogs;
+    std::unique_ptr<FormWindow> window;
+    std::unique_ptr<CommandContext> ctx;
+    explicit Job(Logger* log) : store(log) {}
+};
+
+// Prompts and boxes asked for by the worker, shown on the window's thread.
+class ForwardedDialogs : public Dialogs {
+public:
+    ForwardedDialogs(QObject* ui, Dialogs* target, Job* job) : ui_(ui), target_(target), job_(job) {}
+    QString inputBox(const QString& prompt, const QString& title,
+                     const QString& defaultAnswer) override {
+        QString answer;
+        call([&] { answer = target_->inputBox(prompt, title, defaultAnswer); });
+        return answer;
+    }
+    Answer messageBox(const QString& text, const QString& title, Buttons buttons,
+                      Icon icon) override {
+        Answer answer = buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
+        if (buttons == Buttons::Ok)
+            answer = Answer::Ok;
+        call([&] { answer = target_->messageBox(text, title, buttons, icon); });
+        return answer;
+    }
+
+private:
+    template <class F>
+    void call(F&& f) {
+        QMetaObject::invokeMethod(
+            ui_,
+            [&] {
+                if (job_->cancelled)
+                    return; // a cancelled command asks nothing more
+                ++job_->openDialogs;
+                f();
+                --job_->openDialogs;
+            },
+            Qt::BlockingQueuedConnection);
+    }
+    QObject* ui_;
+    Dialogs* target_;
+    Job* job_;
+};
+
+class SilentWindow : public FormWindow {
+public:
+    explicit SilentWindow(QString caption) : caption_(std::move(caption)) {}
+    void setCaption(const QString& c) override { caption_ = c; }
+    QString caption() const override { return caption_; }
+    void showStatus(const QString&) override {}
+    void close() override {}
+
+private:
+    QString caption_;
+};
+
+} // namespace
+
+BackgroundCommands::~BackgroundCommands() {
+    for (const auto& t : threads_)
+        t->wait();
+}
+
+bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
+    static const QStringList kNeedsTheWindow = {
+        "mnuCut",           "mnuCopy",           "mnuPaste",         "mnuSelectAll",
+        "mnuLoadClipBoardText", "mnuSearch",     "mnuFindNext",      "mnuReplace",
+        "mnuNew",           "mnuGetBrowserText", "mnuGetBrowserHtml", "mnuGetBrowserLinks",
+        "mnuGetBrowserLinksConditional", "mnuNavigateToSel", "mnuExplorer",
+        "mnuLoadinwebbrowser"};
+    return availableInBatch(item) && !kNeedsTheWindow.contains(QString::fromLatin1(item.name));
+}
+
+bool BackgroundCommands::run(const MenuItemDecl& item) {
+    auto job = std::make_shared<Job>(s_.logger);
+    job->doc.setText(s_.edit->text());
+    job->doc.setSelStart(s_.edit->selStart());
+    job->doc.setSelLength(s_.edit->selLength());
+    job->form = *s_.form;
+    job->util = std::make_unique<Utility>(*s_.logger);
+    job->dialogs = std::make_unique<ForwardedDialogs>(s_.parent, s_.dialogs, job.get());
+    job->window = std::make_unique<SilentWindow>(s_.form->caption);
+    job->ctx = std::make_unique<CommandContext>(
+        job->doc, *job->dialogs, job->clipboard, AppSettings(job->store, s_.startUp->RegKeyAppName),
+        *s_.logger, job->clock, job->launcher, job->menu, *job->util, job->form, *job->window,
+        *s_.startUp);
+    const MenuItemDecl* decl = &item;
+    // Workers of cancelled commands that have finished since are let go.
+    std::erase_if(threads_, [](const std::unique_ptr<QThread>& t) { return t->isFinished(); });
+    threads_.emplace_back(QThread::create([job, decl] { runMenuItem(*decl, *job->ctx); }));
+    QThread* thread = threads_.back().get();
+
+    QEventLoop loop;
+    QObject::connect(thread, &QThread::finished, &loop, &QEventLoop::quit);
+    auto cancel = [job, &loop] {
+        job->cancelled = true;
+        loop.quit();
+    };
+    std::unique_ptr<QProgressDialog> progress;
+    bool shown = false;
+    QTimer busy;
+    busy.setInterval(busyDelayMs);
+    QObject::connect(&busy, &QTimer::timeout, [&] {
+        if (job->openDialogs > 0)
+            return; // the user is answering a prompt: not busy yet
+        busy.stop();
+        if (showBusy) {
+            showBusy(cancel);
+            if (!job->cancelled)
+                loop.quit();
+            shown = true;
+            return;
+        }
+        progress = std::make_unique<QProgressDialog>(
+            QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
+            QStringLiteral("Cancel"), 0, 0, s_.parent);
+        progress->setWindowTitle(defaultTitle());
+        progress->setWindowModality(Qt::WindowModal);
+        progress->setMinimumDuration(0);
+        QObject::connect(progress.get(), &QProgressDialog::canceled, cancel);
+        progress->show();
+        shown = true;
+        loop.quit(); // from now on the modal indicator guards the window
+    });
+    thread->start();
+    busy.start();
+    // Until the indicator shows, keyboard and mouse wait: one command runs at a time, and
+    // what the user typed meanwhile arrives after it.
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (shown && !job->cancelled && !thread->isFinished())
+        loop.exec();
+    busy.stop();
+    progress.reset();
+    if (job->cancelled)
+        return false; // the worker finishes on its own; its result is dropped
+    thread->wait();
+    threads_.pop_back();
+    // The result goes to the document in one step, as the command itself would assign it.
+    if (job->doc.text() != s_.edit->text())
+        s_.edit->setText(job->doc.text());
+    s_.edit->setSelStart(job->doc.selStart());
+    s_.edit->setSelLength(job->doc.selLength());
+    *s_.form = job->form;
+    return true;
+}
+
+} // namespace ed
