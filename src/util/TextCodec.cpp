@@ -22,55 +22,6 @@ TextFormat defaultTextFormat() {
 
 namespace {
 
-bool isValidUtf8(const char* p, qsizetype n) {
-    const auto* s = reinterpret_cast<const unsigned char*>(p);
-    qsizetype i = 0;
-    while (i < n) {
-        // Skip ASCII eight bytes at a time.
-        while (i + 8 <= n) {
-            quint64 w;
-            std::memcpy(&w, s + i, 8);
-            if (w & 0x8080808080808080ULL)
-                break;
-            i += 8;
-        }
-        if (i >= n)
-            break;
-        unsigned char c = s[i];
-        if (c < 0x80) {
-            ++i;
-            continue;
-        }
-        int len;
-        quint32 cp;
-        if (c >= 0xC2 && c <= 0xDF) {
-            len = 2;
-            cp = c & 0x1F;
-        } else if (c >= 0xE0 && c <= 0xEF) {
-            len = 3;
-            cp = c & 0x0F;
-        } else if (c >= 0xF0 && c <= 0xF4) {
-            len = 4;
-            cp = c & 0x07;
-        } else {
-            return false;
-        }
-        if (i + len > n)
-            return false;
-        for (int k = 1; k < len; ++k) {
-            unsigned char cc = s[i + k];
-            if ((cc & 0xC0) != 0x80)
-                return false;
-            cp = (cp << 6) | (cc & 0x3F);
-        }
-        if ((len == 3 && (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF))) ||
-            (len == 4 && (cp < 0x10000 || cp > 0x10FFFF)))
-            return false;
-        i += len;
-    }
-    return true;
-}
-
 LineBreak detectLineBreak(const QString& text) {
     const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
     const qsizetype n = text.size();
@@ -173,8 +124,8 @@ QByteArray encodeUtf8(const QString& text, bool bom) {
 }
 
 // Checks and decodes UTF-8 in one pass: sixteen ASCII bytes at a time are widened at once, and
-// anything else is decoded one sequence at a time with the checks of isValidUtf8. False when
-// the bytes are not valid UTF-8 (`text` is then unspecified).
+// anything else is decoded one sequence at a time (no overlong forms, no surrogates, nothing past
+// U+10FFFF). False when the bytes are not valid UTF-8 (`text` is then unspecified).
 bool decodeValidUtf8(const char* p, qsizetype n, QString& text) {
     text = QString(n, Qt::Uninitialized);
     adviseHugePages(text.constData(), size_t(n) * sizeof(QChar));
@@ -297,9 +248,8 @@ QString decodeText(const QByteArray& bytes, TextFormat* format) {
     const char* p = bytes.constData();
     const qsizetype n = bytes.size();
     if (n >= 3 && uchar(p[0]) == 0xEF && uchar(p[1]) == 0xBB && uchar(p[2]) == 0xBF &&
-        isValidUtf8(p + 3, n - 3)) {
+        decodeValidUtf8(p + 3, n - 3, text)) {
         f.encoding = Encoding::Utf8Bom;
-        text = QString::fromUtf8(p + 3, n - 3);
     } else if (n >= 2 && n % 2 == 0 && uchar(p[0]) == 0xFF && uchar(p[1]) == 0xFE) {
         f.encoding = Encoding::Utf16LE;
         QStringDecoder dec(QStringDecoder::Utf16LE, QStringDecoder::Flag::Stateless);
