@@ -60,7 +60,7 @@ bool WidgetDocumentFiles::loadRtf(const QByteArray& bytes, QString& error) {
         edit_.setText(QString());
         return false;
     }
-    widgetEdit_.setRich(true);
+    widgetEdit_.documentLoadedAsRich();
     widgetEdit_.takeUserEdited();
     return true;
 }

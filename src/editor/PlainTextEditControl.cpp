@@ -1,9 +1,12 @@
 #include "editor/PlainTextEditControl.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QEvent>
 #include <QPlainTextEdit>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTimer>
 
 namespace ed {
 
@@ -33,15 +36,59 @@ QString modelToWidgetText(const QString& model) {
     return out;
 }
 
-QString widgetToModelText(const QString& raw) {
+namespace {
+// Lines per block, and the size in characters at which a block takes no further line.
+constexpr int kBlockLines = 16;
+constexpr qsizetype kBlockChars = 4096;
+} // namespace
+
+QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock) {
+    linesPerBlock.clear();
+    linesPerBlock.reserve(size_t(model.size() / 256 + 1));
+    QString out(model.size(), Qt::Uninitialized);
+    char16_t* const begin = reinterpret_cast<char16_t*>(out.data());
+    char16_t* d = begin;
+    const char16_t* s = reinterpret_cast<const char16_t*>(model.constData());
+    const char16_t* end = s + model.size();
+    char16_t* blockStart = d;
+    int lines = 1;
+    while (s < end) {
+        if (*s != u'\r') {
+            *d++ = *s++;
+        } else if (s + 1 < end && s[1] == u'\n') {
+            s += 2;
+            if (lines >= kBlockLines || d - blockStart >= kBlockChars) {
+                *d++ = u'\n';
+                linesPerBlock.push_back(lines);
+                lines = 1;
+                blockStart = d;
+            } else {
+                *d++ = QChar::LineSeparator;
+                ++lines;
+            }
+        } else {
+            *d++ = kLoneCr;
+            ++s;
+        }
+    }
+    linesPerBlock.push_back(lines);
+    out.truncate(d - begin);
+    return out;
+}
+
+QString widgetToModelText(const QString& raw, bool breaksInBlocks) {
+    const auto isBreak = [breaksInBlocks](QChar c) {
+        return c == QChar::ParagraphSeparator || c == u'\n' ||
+               (breaksInBlocks && c == QChar::LineSeparator);
+    };
     qsizetype breaks = 0;
     for (QChar c : raw)
-        if (c == QChar::ParagraphSeparator || c == u'\n')
+        if (isBreak(c))
             ++breaks;
     QString out(raw.size() + breaks, Qt::Uninitialized);
     char16_t* d = reinterpret_cast<char16_t*>(out.data());
     for (QChar c : raw) {
-        if (c == QChar::ParagraphSeparator || c == u'\n') {
+        if (isBreak(c)) {
             *d++ = u'\r';
             *d++ = u'\n';
         } else {
@@ -61,11 +108,87 @@ PlainTextEditControl::PlainTextEditControl(QPlainTextEdit* widget)
             userEdited_ = true;
         }
     });
+    connect(widget_->document(), &QTextDocument::contentsChange, this,
+            [this](int from, int, int added) { contentsChanged(from, added); });
+    widget_->installEventFilter(this);
+}
+
+void PlainTextEditControl::contentsChanged(int from, int added) {
+    // Blocks before the change keep their place; the changed ones lose their known line count.
+    QTextDocument* doc = widget_->document();
+    QTextBlock b = doc->findBlock(from);
+    if (!b.isValid())
+        b = doc->lastBlock();
+    breaksValid_ = qMin(breaksValid_, b.blockNumber() + 1);
+    const QTextBlock last = doc->findBlock(from + added);
+    for (; b.isValid(); b = b.next()) {
+        b.setUserState(-1);
+        if (b == last)
+            break;
+    }
+}
+
+int PlainTextEditControl::breaksBefore(int block) const {
+    if (!breaksInBlocks_)
+        return block;
+    if (block < breaksValid_)
+        return breaks_[size_t(block)];
+    QTextDocument* doc = widget_->document();
+    breaks_.resize(size_t(doc->blockCount()));
+    if (breaksValid_ == 0) {
+        breaks_[0] = 0;
+        breaksValid_ = 1;
+    }
+    QTextBlock previous = doc->findBlockByNumber(breaksValid_ - 1);
+    for (int i = breaksValid_; i <= block; ++i, previous = previous.next()) {
+        const int inner = previous.userState() >= 1
+                              ? previous.userState() - 1
+                              : int(previous.text().count(QChar::LineSeparator));
+        breaks_[size_t(i)] = breaks_[size_t(i - 1)] + 1 + inner;
+    }
+    breaksValid_ = block + 1;
+    return breaks_[size_t(block)];
+}
+
+void PlainTextEditControl::restoreLineCounts() {
+    lineCountsPending_ = false;
+    if (!breaksInBlocks_)
+        return;
+    QTextDocument* doc = widget_->document();
+    bool changed = false;
+    for (QTextBlock b = doc->firstBlock(); b.isValid(); b = b.next()) {
+        if (b.userState() > 1 && b.lineCount() == 1) {
+            b.setLineCount(b.userState());
+            changed = true;
+        }
+    }
+    if (changed) {
+        QAbstractTextDocumentLayout* layout = doc->documentLayout();
+        emit layout->documentSizeChanged(layout->documentSize());
+    }
+}
+
+bool PlainTextEditControl::eventFilter(QObject* watched, QEvent* event) {
+    const auto type = event->type();
+    if (watched == widget_ && breaksInBlocks_ && !lineCountsPending_ &&
+        (type == QEvent::Resize || type == QEvent::FontChange)) {
+        // After the widget has taken the new size and thrown its estimates away.
+        lineCountsPending_ = true;
+        QTimer::singleShot(0, this, &PlainTextEditControl::restoreLineCounts);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void PlainTextEditControl::documentLoadedAsRich() {
+    rich_ = true;
+    breaksInBlocks_ = false;
+    breaksValid_ = 0;
+    cacheValid_ = false;
 }
 
 QString PlainTextEditControl::text() const {
     if (!cacheValid_) {
-        cache_ = widgetToModelText(widget_->document()->toRawText());
+        cache_ = widgetToModelText(widget_->document()->toRawText(), breaksInBlocks_);
         cacheValid_ = true;
     }
     return cache_;
@@ -99,12 +222,33 @@ void PlainTextEditControl::applyShaping(bool longLines) {
 void PlainTextEditControl::setText(const QString& text) {
     applyShaping(longestLine(text) > kLongLine);
     // A whole-text assignment replaces the content in one undoable step and drops formatting.
+    // A text that holds line separators of its own keeps one line per block.
+    breaksInBlocks_ = !text.contains(QChar::LineSeparator);
+    std::vector<int> lines;
+    const QString shown =
+        breaksInBlocks_ ? modelToWidgetBlocks(text, lines) : modelToWidgetText(text);
     ownEdit_ = true;
-    widget_->document()->setPlainText(modelToWidgetText(text));
+    widget_->document()->setPlainText(shown);
     ownEdit_ = false;
     rich_ = false;
     cache_ = text;
     cacheValid_ = true;
+    if (breaksInBlocks_) {
+        // What the load already knows: each block's lines and the breaks before it.
+        breaks_.resize(lines.size());
+        int before = 0;
+        QTextBlock b = widget_->document()->firstBlock();
+        for (size_t i = 0; i < lines.size() && b.isValid(); ++i, b = b.next()) {
+            b.setUserState(lines[i]);
+            breaks_[i] = before;
+            before += lines[i];
+        }
+        breaksValid_ = int(lines.size());
+        restoreLineCounts();
+        // Once more after the widget's own handling of the new content.
+        lineCountsPending_ = true;
+        QTimer::singleShot(0, this, &PlainTextEditControl::restoreLineCounts);
+    }
     QTextCursor caret(widget_->document());
     widget_->setTextCursor(caret);
 }
@@ -135,11 +279,19 @@ bool PlainTextEditControl::takeUserEdited() {
     return edited;
 }
 
-int PlainTextEditControl::textLength() const { return int(text().size()); }
+int PlainTextEditControl::textLength() const {
+    return int(text().size());
+}
 
 int PlainTextEditControl::toModel(int w) const {
-    const QTextBlock b = widget_->document()->findBlock(w);
-    return w + (b.isValid() ? b.blockNumber() : widget_->document()->blockCount() - 1);
+    QTextDocument* doc = widget_->document();
+    QTextBlock b = doc->findBlock(w);
+    if (!b.isValid())
+        b = doc->lastBlock();
+    int m = w + breaksBefore(b.blockNumber());
+    if (breaksInBlocks_ && b.userState() != 1)
+        m += int(b.text().left(w - b.position()).count(QChar::LineSeparator));
+    return m;
 }
 
 int PlainTextEditControl::toWidget(int m) const {
@@ -148,17 +300,27 @@ int PlainTextEditControl::toWidget(int m) const {
         return 0;
     // The last block whose model start is at or before m.
     int lo = 0, hi = doc->blockCount() - 1;
+    breaksBefore(hi);
     while (lo < hi) {
         const int mid = (lo + hi + 1) / 2;
         const QTextBlock b = doc->findBlockByNumber(mid);
-        if (b.position() + mid <= m)
+        if (b.position() + breaksBefore(mid) <= m)
             lo = mid;
         else
             hi = mid - 1;
     }
     const QTextBlock b = doc->findBlockByNumber(lo);
-    const int inBlock = m - (b.position() + lo);
-    return b.position() + qMin(inBlock, b.length() - 1 + (b.next().isValid() ? 1 : 0));
+    const int inBlock = m - (b.position() + breaksBefore(lo));
+    const int blockEnd = b.length() - 1 + (b.next().isValid() ? 1 : 0);
+    if (!breaksInBlocks_ || b.userState() == 1)
+        return b.position() + qMin(inBlock, blockEnd);
+    // Walk the block: a line separator stands for two model positions. A position between the
+    // CR and the LF of a break lands after the break.
+    const QString t = b.text();
+    int w = 0, model = 0;
+    for (; w < t.size() && model < inBlock; ++w)
+        model += t[w] == QChar::LineSeparator ? 2 : 1;
+    return b.position() + qMin(w + qMax(0, inBlock - model), blockEnd);
 }
 
 int PlainTextEditControl::selStart() const {
@@ -193,8 +355,8 @@ QString PlainTextEditControl::selText() const {
 
 void PlainTextEditControl::setSelectionFont(const FontSpec& font) {
     QTextCursor c = widget_->textCursor();
-    const bool whole = c.selectionStart() == 0 &&
-                       c.selectionEnd() >= widget_->document()->characterCount() - 1;
+    const bool whole =
+        c.selectionStart() == 0 && c.selectionEnd() >= widget_->document()->characterCount() - 1;
     if (whole && !rich_) {
         // The whole of a plain document: one font for the widget, no character formats.
         QFont f(font.name);

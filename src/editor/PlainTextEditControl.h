@@ -1,10 +1,17 @@
 #pragma once
 // rtbEdit: the edit control adapter over a QPlainTextEdit. The widget counts a line break as one
 // position; the model counts CR LF as two. This class maps between the two.
+//
+// A text assigned as a whole is loaded in blocks of several lines: inside a block, a line break
+// is a QChar::LineSeparator, between blocks a paragraph break. The widget's document costs
+// several microseconds per block to build, so this keeps a document of hundreds of thousands of
+// lines quick to load, while the user still sees, selects and edits ordinary lines.
 
 #include "app/Ports.h"
 
 #include <QObject>
+
+#include <vector>
 
 class QPlainTextEdit;
 
@@ -26,8 +33,8 @@ public:
     void replaceRange(int start, int length, const QString& replacement) override;
     // Typing by the user (not an assignment through this adapter) since the last call.
     bool takeUserEdited();
-    // The document carries character formats of its own (RTF was loaded into it).
-    void setRich(bool rich) { rich_ = rich; }
+    // The document was filled from RTF: it carries character formats and one paragraph per line.
+    void documentLoadedAsRich();
 
     void setSelectionFont(const FontSpec& font) override;
     FontSpec selectionFont() const override;
@@ -39,8 +46,16 @@ public:
     int toModel(int widgetPos) const;
     int toWidget(int modelPos) const;
 
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void applyShaping(bool longLines);
+    void contentsChanged(int from, int added);
+    // Model line breaks before the start of the block numbered `block`.
+    int breaksBefore(int block) const;
+    // The widget forgets its estimate of each block's height in lines on a resize; give it back
+    // the line counts of the blocks it has not laid out yet, so the scroll bar stays in lines.
+    void restoreLineCounts();
 
     QPlainTextEdit* widget_;
     mutable QString cache_;
@@ -48,10 +63,19 @@ private:
     bool ownEdit_ = false;
     bool userEdited_ = false;
     bool rich_ = false;
+    // A QChar::LineSeparator in the widget is a line break of the model (the text had none).
+    bool breaksInBlocks_ = false;
+    bool lineCountsPending_ = false;
+    mutable std::vector<int> breaks_; // breaksBefore() per block, valid below breaksValid_
+    mutable int breaksValid_ = 0;
 };
 
 // Model text (CR LF breaks) -> what the widget holds (one LF per break), and back.
 QString modelToWidgetText(const QString& model);
-QString widgetToModelText(const QString& raw);
+QString widgetToModelText(const QString& raw, bool breaksInBlocks = false);
+
+// Model text -> widget text in blocks of several lines (see above); `linesPerBlock` receives the
+// number of lines of each block.
+QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock);
 
 } // namespace ed

@@ -10,6 +10,8 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
+#include <utility>
+
 namespace ed {
 
 QTextCharFormat toTextCharFormat(const RtfCharFormat& format) {
@@ -58,11 +60,19 @@ RtfContent rtfContentOf(const QTextDocument& doc) {
             const QTextFragment fragment = it.fragment();
             if (!fragment.isValid() || fragment.length() == 0)
                 continue;
-            RtfCharFormat format = rtfCharFormatOf(fragment.charFormat(), base);
-            if (!paragraph.runs.isEmpty() && paragraph.runs.last().format == format)
-                paragraph.runs.last().text += fragment.text();
-            else
-                paragraph.runs.append(RtfRun{fragment.text(), std::move(format)});
+            const RtfCharFormat format = rtfCharFormatOf(fragment.charFormat(), base);
+            // A line separator inside a block is a line break of the document: a paragraph.
+            const QStringList pieces = fragment.text().split(QChar::LineSeparator);
+            for (qsizetype i = 0; i < pieces.size(); ++i) {
+                if (i > 0)
+                    content.paragraphs.append(std::exchange(paragraph, RtfParagraph()));
+                if (pieces[i].isEmpty())
+                    continue;
+                if (!paragraph.runs.isEmpty() && paragraph.runs.last().format == format)
+                    paragraph.runs.last().text += pieces[i];
+                else
+                    paragraph.runs.append(RtfRun{pieces[i], format});
+            }
         }
         content.paragraphs.append(std::move(paragraph));
     }
