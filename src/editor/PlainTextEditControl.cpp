@@ -1,7 +1,9 @@
 #include "editor/PlainTextEditControl.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QApplication>
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -111,6 +113,7 @@ PlainTextEditControl::PlainTextEditControl(QPlainTextEdit* widget)
     connect(widget_->document(), &QTextDocument::contentsChange, this,
             [this](int from, int, int added) { contentsChanged(from, added); });
     widget_->installEventFilter(this);
+    widget_->viewport()->installEventFilter(this);
 }
 
 void PlainTextEditControl::contentsChanged(int from, int added) {
@@ -168,8 +171,40 @@ void PlainTextEditControl::restoreLineCounts() {
     }
 }
 
+bool PlainTextEditControl::selectLineOnTripleClick(QEvent* event) {
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() != Qt::LeftButton)
+        return false;
+    if (event->type() == QEvent::MouseButtonDblClick) {
+        doubleClick_.start();
+        doubleClickAt_ = mouse->position().toPoint();
+        return false;
+    }
+    if (event->type() != QEvent::MouseButtonPress || !doubleClick_.isValid() ||
+        doubleClick_.elapsed() > QApplication::doubleClickInterval() ||
+        (mouse->position().toPoint() - doubleClickAt_).manhattanLength() >
+            QApplication::startDragDistance())
+        return false;
+    doubleClick_.invalidate();
+    // The widget would select the whole block, which holds several lines: select the line.
+    QTextCursor c = widget_->cursorForPosition(mouse->position().toPoint());
+    const QTextBlock b = c.block();
+    const QString t = b.text();
+    const int at = c.positionInBlock();
+    const int start = int(t.lastIndexOf(QChar::LineSeparator, at - 1)) + 1;
+    int end = int(t.indexOf(QChar::LineSeparator, at));
+    end = end < 0 ? int(t.size()) + (b.next().isValid() ? 1 : 0) : end + 1;
+    c.setPosition(b.position() + start);
+    c.setPosition(b.position() + end, QTextCursor::KeepAnchor);
+    widget_->setTextCursor(c);
+    return true;
+}
+
 bool PlainTextEditControl::eventFilter(QObject* watched, QEvent* event) {
     const auto type = event->type();
+    if (watched == widget_->viewport() && breaksInBlocks_ &&
+        (type == QEvent::MouseButtonDblClick || type == QEvent::MouseButtonPress))
+        return selectLineOnTripleClick(event);
     if (watched == widget_ && breaksInBlocks_ && !lineCountsPending_ &&
         (type == QEvent::Resize || type == QEvent::FontChange)) {
         // After the widget has taken the new size and thrown its estimates away.

@@ -9,7 +9,9 @@
 
 #include "app/Ports.h"
 
+#include <QElapsedTimer>
 #include <QObject>
+#include <QPoint>
 
 #include <vector>
 
@@ -56,6 +58,8 @@ private:
     // The widget forgets its estimate of each block's height in lines on a resize; give it back
     // the line counts of the blocks it has not laid out yet, so the scroll bar stays in lines.
     void restoreLineCounts();
+    // A triple click selects one line, not the whole block. True when the event was taken.
+    bool selectLineOnTripleClick(QEvent* event);
 
     QPlainTextEdit* widget_;
     mutable QString cache_;
@@ -66,6 +70,8 @@ private:
     // A QChar::LineSeparator in the widget is a line break of the model (the text had none).
     bool breaksInBlocks_ = false;
     bool lineCountsPending_ = false;
+    QElapsedTimer doubleClick_;
+    QPoint doubleClickAt_;
     mutable std::vector<int> breaks_; // breaksBefore() per block, valid below breaksValid_
     mutable int breaksValid_ = 0;
 };

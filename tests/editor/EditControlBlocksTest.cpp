@@ -7,6 +7,7 @@
 #include "editor/RtfWriter.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextCursor>
@@ -162,6 +163,27 @@ TEST(EditControlBlocksEdits, RtfOfABlockDocumentHasOneParagraphPerLine) {
     const RtfContent content = parseRtf(writeRtf(*f.widget.document()), nullptr);
     ASSERT_EQ(content.paragraphs.size(), 41);
     EXPECT_EQ(content.paragraphs[17].runs.value(0).text, "line 17");
+}
+
+} // namespace
+
+namespace {
+
+TEST(EditControlBlocksEdits, TripleClickSelectsOneLine) {
+    Fixture f;
+    f.edit.setText(lines(40));
+    QApplication::processEvents();
+    QTextCursor line3(f.widget.document());
+    line3.setPosition(f.edit.toWidget(int(lines(3).size()) + 2));
+    const QPointF at = f.widget.cursorRect(line3).center();
+    for (QEvent::Type type :
+         {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+          QEvent::MouseButtonRelease, QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent e(type, at, f.widget.viewport()->mapToGlobal(at), Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(f.widget.viewport(), &e);
+    }
+    EXPECT_EQ(f.edit.selText(), "line 3\r\n");
 }
 
 } // namespace
