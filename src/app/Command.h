@@ -55,9 +55,11 @@ public:
 class DocumentFiles {
 public:
     virtual ~DocumentFiles() = default;
-    // Replaces the document with the file's content. False with `error` set when it fails
-    // (the document is then left empty).
-    virtual bool load(const QString& path, bool rtf, QString& error) = 0;
+    enum class LoadResult { Loaded, Failed, Cancelled };
+    // Replaces the document with the file's content. Failed with `error` set when it fails (the
+    // document is then left empty); Cancelled when the user stopped a long load (the document
+    // is then left as it was).
+    virtual LoadResult load(const QString& path, bool rtf, QString& error) = 0;
     // Writes the document followed by one line break; atomically: all or nothing.
     virtual bool save(const QString& path, bool rtf, QString& error) = 0;
     // Forgets the remembered format: the next save writes a new document's format.

@@ -5,26 +5,25 @@
 #include "app/SettingsStore.h"
 #include "app/SystemPorts.h"
 #include "app/TextBuffer.h"
+#include "editor/BusyWork.h"
+#include "editor/PlainTextEditControl.h"
 #include "util/Utility.h"
 
-#include <QEventLoop>
-#include <QProgressDialog>
 #include <QThread>
-#include <QTimer>
 #include <QWidget>
 
-#include <atomic>
 #include <memory>
+#include <optional>
 
 namespace ed {
 
 namespace {
 
 // What a command running on the worker uses: its own copy of everything it may touch.
-struct Job {
-    std::atomic<bool> cancelled{false};
-    std::atomic<int> openDialogs{0};
+struct Job : BusyToken {
     TextBuffer doc;
+    QString original;
+    std::optional<PreparedDocument> prepared;
     SystemClock clock;
     ProcessLauncher launcher;
     SettingsStore store;
@@ -41,7 +40,8 @@ struct Job {
 // Prompts and boxes asked for by the worker, shown on the window's thread.
 class ForwardedDialogs : public Dialogs {
 public:
-    ForwardedDialogs(QObject* ui, Dialogs* target, Job* job) : ui_(ui), target_(target), job_(job) {}
+    ForwardedDialogs(QObject* ui, Dialogs* target, Job* job)
+        : ui_(ui), target_(target), job_(job) {}
     QString inputBox(const QString& prompt, const QString& title,
                      const QString& defaultAnswer) override {
         QString answer;
@@ -58,8 +58,7 @@ public:
     }
 
 private:
-    template <class F>
-    void call(F&& f) {
+    template <class F> void call(F&& f) {
         QMetaObject::invokeMethod(
             ui_,
             [&] {
@@ -90,18 +89,23 @@ private:
 
 } // namespace
 
-BackgroundCommands::~BackgroundCommands() {
-    for (const auto& t : threads_)
-        t->wait();
-}
-
 bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
-    static const QStringList kNeedsTheWindow = {
-        "mnuCut",           "mnuCopy",           "mnuPaste",         "mnuSelectAll",
-        "mnuLoadClipBoardText", "mnuSearch",     "mnuFindNext",      "mnuReplace",
-        "mnuNew",           "mnuGetBrowserText", "mnuGetBrowserHtml", "mnuGetBrowserLinks",
-        "mnuGetBrowserLinksConditional", "mnuNavigateToSel", "mnuExplorer",
-        "mnuLoadinwebbrowser"};
+    static const QStringList kNeedsTheWindow = {"mnuCut",
+                                                "mnuCopy",
+                                                "mnuPaste",
+                                                "mnuSelectAll",
+                                                "mnuLoadClipBoardText",
+                                                "mnuSearch",
+                                                "mnuFindNext",
+                                                "mnuReplace",
+                                                "mnuNew",
+                                                "mnuGetBrowserText",
+                                                "mnuGetBrowserHtml",
+                                                "mnuGetBrowserLinks",
+                                                "mnuGetBrowserLinksConditional",
+                                                "mnuNavigateToSel",
+                                                "mnuExplorer",
+                                                "mnuLoadinwebbrowser"};
     return availableInBatch(item) && !kNeedsTheWindow.contains(QString::fromLatin1(item.name));
 }
 
@@ -114,63 +118,27 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
     job->util = std::make_unique<Utility>(*s_.logger);
     job->dialogs = std::make_unique<ForwardedDialogs>(s_.parent, s_.dialogs, job.get());
     job->window = std::make_unique<SilentWindow>(s_.form->caption);
-    job->ctx = std::make_unique<CommandContext>(
-        job->doc, *job->dialogs, job->clipboard, AppSettings(job->store, s_.startUp->RegKeyAppName),
-        *s_.logger, job->clock, job->launcher, job->menu, *job->util, job->form, *job->window,
-        *s_.startUp);
+    job->ctx = std::make_unique<CommandContext>(job->doc, *job->dialogs, job->clipboard,
+                                                AppSettings(job->store, s_.startUp->RegKeyAppName),
+                                                *s_.logger, job->clock, job->launcher, job->menu,
+                                                *job->util, job->form, *job->window, *s_.startUp);
     const MenuItemDecl* decl = &item;
-    // Workers of cancelled commands that have finished since are let go.
-    std::erase_if(threads_, [](const std::unique_ptr<QThread>& t) { return t->isFinished(); });
-    threads_.emplace_back(QThread::create([job, decl] { runMenuItem(*decl, *job->ctx); }));
-    QThread* thread = threads_.back().get();
-
-    QEventLoop loop;
-    QObject::connect(thread, &QThread::finished, &loop, &QEventLoop::quit);
-    auto cancel = [job, &loop] {
-        job->cancelled = true;
-        loop.quit();
+    QThread* ui = QThread::currentThread();
+    const bool prepare = s_.widgetEdit != nullptr;
+    auto work = [job, decl, ui, prepare] {
+        runMenuItem(*decl, *job->ctx);
+        // The widget's document for a changed text is built here too, not on the window's thread.
+        if (prepare && !job->cancelled && job->doc.text() != job->original)
+            job->prepared.emplace(job->doc.text(), ui);
     };
-    std::unique_ptr<QProgressDialog> progress;
-    bool shown = false;
-    QTimer busy;
-    busy.setInterval(busyDelayMs);
-    QObject::connect(&busy, &QTimer::timeout, [&] {
-        if (job->openDialogs > 0)
-            return; // the user is answering a prompt: not busy yet
-        busy.stop();
-        if (showBusy) {
-            showBusy(cancel);
-            if (!job->cancelled)
-                loop.quit();
-            shown = true;
-            return;
-        }
-        progress = std::make_unique<QProgressDialog>(
-            QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
-            QStringLiteral("Cancel"), 0, 0, s_.parent);
-        progress->setWindowTitle(defaultTitle());
-        progress->setWindowModality(Qt::WindowModal);
-        progress->setMinimumDuration(0);
-        QObject::connect(progress.get(), &QProgressDialog::canceled, cancel);
-        progress->show();
-        shown = true;
-        loop.quit(); // from now on the modal indicator guards the window
-    });
-    thread->start();
-    busy.start();
-    // Until the indicator shows, keyboard and mouse wait: one command runs at a time, and
-    // what the user typed meanwhile arrives after it.
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    if (shown && !job->cancelled && !thread->isFinished())
-        loop.exec();
-    busy.stop();
-    progress.reset();
-    if (job->cancelled)
+    job->original = job->doc.text();
+    if (!s_.busy->run(QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
+                      work, job))
         return false; // the worker finishes on its own; its result is dropped
-    thread->wait();
-    threads_.pop_back();
     // The result goes to the document in one step, as the command itself would assign it.
-    if (job->doc.text() != s_.edit->text())
+    if (job->prepared)
+        s_.widgetEdit->adopt(std::move(*job->prepared));
+    else if (job->doc.text() != s_.edit->text())
         s_.edit->setText(job->doc.text());
     s_.edit->setSelStart(job->doc.selStart());
     s_.edit->setSelLength(job->doc.selLength());

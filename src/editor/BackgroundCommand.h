@@ -7,17 +7,13 @@
 #include "app/Command.h"
 #include "editor/MenuTable.h"
 
-#include <QThread>
-
-#include <functional>
-#include <memory>
-#include <vector>
-
 class QWidget;
 
 namespace ed {
 
+class BusyWork;
 class ErrorLogger;
+class PlainTextEditControl;
 
 class BackgroundCommands {
 public:
@@ -28,9 +24,11 @@ public:
         const StartUpState* startUp;
         EditControl* edit;
         FormState* form;
+        BusyWork* busy;
+        // When set, a changed text is also made ready for the widget on the worker.
+        PlainTextEditControl* widgetEdit = nullptr;
     };
     explicit BackgroundCommands(Services services) : s_(services) {}
-    ~BackgroundCommands();
 
     // Commands that work on the text, prompts and settings alone (no clipboard, menu, browser
     // or window), which can therefore run away from the window's thread.
@@ -40,13 +38,9 @@ public:
     bool run(const MenuItemDecl& item);
 
     void setDialogs(Dialogs* dialogs) { s_.dialogs = dialogs; }
-    // Shows the busy indicator; tests replace it to press Cancel.
-    std::function<void(std::function<void()> cancel)> showBusy;
-    int busyDelayMs = 500;
 
 private:
     Services s_;
-    std::vector<std::unique_ptr<QThread>> threads_;
 };
 
 } // namespace ed

@@ -36,8 +36,9 @@ void tellSaveFailed(CommandContext& ctx, const QString& path, const QString& err
 } // namespace
 
 QString documentFilter() {
-    return QStringLiteral("All files *.*|*.*|Text files *.txt|*.txt|RTF text *.rtf|*.rtf|Html files "
-                          "*.htm|*.htm|Ini files *.ini|*.ini|Batch files *.bat|*.bat");
+    return QStringLiteral(
+        "All files *.*|*.*|Text files *.txt|*.txt|RTF text *.rtf|*.rtf|Html files "
+        "*.htm|*.htm|Ini files *.ini|*.ini|Batch files *.bat|*.bat");
 }
 
 QString GetNewFile(CommandContext& ctx) {
@@ -56,7 +57,8 @@ void adoptFileName(CommandContext& ctx, const QString& path, bool setCaption) {
     ctx.settings.save(kSection, QStringLiteral("Last Dir"), ctx.form.LastDir);
 }
 
-void LoadNewFile(CommandContext& ctx, const QString& path) {
+bool LoadNewFile(CommandContext& ctx, const QString& path) {
+    bool cancelled = false;
     trapped(ctx.log, "frmEdit", QStringLiteral("Sub LoadNewFile"), [&] {
         if (path.isEmpty())
             return;
@@ -64,7 +66,13 @@ void LoadNewFile(CommandContext& ctx, const QString& path) {
             ctx.util.InStrRevGetEnding(path.trimmed(), QStringLiteral(".")).toLower();
         QString error;
         const bool rtf = ext == u"rtf";
-        if (!files(ctx).load(path, rtf, error)) {
+        const auto result = files(ctx).load(path, rtf, error);
+        if (result == DocumentFiles::LoadResult::Cancelled) {
+            cancelled = true;
+            ctx.window.showStatus(QStringLiteral("Opening %1 was cancelled").arg(path));
+            return;
+        }
+        if (result == DocumentFiles::LoadResult::Failed) {
             ctx.window.showStatus(QStringLiteral("Could not open %1: %2").arg(path, error));
             throw RuntimeError(error.toStdString());
         }
@@ -72,6 +80,19 @@ void LoadNewFile(CommandContext& ctx, const QString& path) {
             SetFont(ctx);
         ctx.window.setCaption(path);
     });
+    return !cancelled;
+}
+
+void openInPlace(CommandContext& ctx, const QString& path) {
+    const QString name = ctx.form.FileName;
+    const QString caption = ctx.window.caption();
+    PutLinkOnMenu(ctx, path);
+    adoptFileName(ctx, path, false);
+    // The old text stays until the new one replaces it (a failed load empties the document).
+    if (!LoadNewFile(ctx, path)) {
+        ctx.form.FileName = name;
+        ctx.window.setCaption(caption);
+    }
 }
 
 void mnuNew_Click(CommandContext& ctx) {
@@ -100,10 +121,7 @@ void mnuOpen_Click(CommandContext& ctx) {
     const FileDialogResult r = ctx.fileDialogs->showOpen(req);
     if (r.fileName.isEmpty())
         return;
-    ctx.edit.setText(QString());
-    PutLinkOnMenu(ctx, r.fileName);
-    adoptFileName(ctx, r.fileName, false);
-    LoadNewFile(ctx, r.fileName);
+    openInPlace(ctx, r.fileName);
 }
 
 void mnuOpenSelect_Click(CommandContext& ctx) {
@@ -139,9 +157,12 @@ void mnuSaveAs_Click(CommandContext& ctx) {
     if (!ctx.fileDialogs)
         throw RuntimeError("No file dialog");
     const FileSpecParts parts = ctx.util.GetFileSpecParts(ctx.form.FileName);
-    static const QStringList kExtensions = {QString(),        QStringLiteral("txt"),
-                                            QStringLiteral("rtf"), QStringLiteral("htm"),
-                                            QStringLiteral("ini"), QStringLiteral("bat")};
+    static const QStringList kExtensions = {QString(),
+                                            QStringLiteral("txt"),
+                                            QStringLiteral("rtf"),
+                                            QStringLiteral("htm"),
+                                            QStringLiteral("ini"),
+                                            QStringLiteral("bat")};
     FileDialogRequest req;
     req.filter = documentFilter();
     req.defaultExtension = QStringLiteral("txt");
@@ -162,15 +183,16 @@ void mnuSaveAs_Click(CommandContext& ctx) {
 }
 
 void mnuDelete_Click(CommandContext& ctx) {
-    const Answer a = ctx.dialogs.messageBox(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
-                                                ctx.form.FileName + QStringLiteral(" ?"),
-                                            QStringLiteral("Delete File?"), Buttons::YesNo,
-                                            Icon::Critical);
+    const Answer a =
+        ctx.dialogs.messageBox(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
+                                   ctx.form.FileName + QStringLiteral(" ?"),
+                               QStringLiteral("Delete File?"), Buttons::YesNo, Icon::Critical);
     if (a != Answer::Yes)
         return;
     QFile f(ctx.form.FileName);
     if (!f.exists())
-        throw RuntimeError(QStringLiteral("File not found: %1").arg(ctx.form.FileName).toStdString());
+        throw RuntimeError(
+            QStringLiteral("File not found: %1").arg(ctx.form.FileName).toStdString());
     if (!f.remove())
         throw RuntimeError(QStringLiteral("Cannot delete %1: %2")
                                .arg(ctx.form.FileName, f.errorString())

@@ -9,7 +9,12 @@ namespace ed {
 QString documentFilter();
 
 QString GetNewFile(CommandContext& ctx);
-void LoadNewFile(CommandContext& ctx, const QString& path);
+// Loads `path` into the document. False only when the user cancelled a long load: the document
+// is then as it was.
+bool LoadNewFile(CommandContext& ctx, const QString& path);
+// Open and the recent-files list: the link, the name and the load. A cancelled load leaves the
+// document, its name and the caption as they were.
+void openInPlace(CommandContext& ctx, const QString& path);
 // Adopts `path` as the document's name: FileName, caption, LastDir and its setting.
 void adoptFileName(CommandContext& ctx, const QString& path, bool setCaption = true);
 

@@ -9,13 +9,14 @@ class QTextDocument;
 
 namespace ed {
 
+class BusyWork;
 class PlainTextEditControl;
 
 // Over any edit control; RTF is read as its text and written from the plain text.
 class TextDocumentFiles : public DocumentFiles {
 public:
     explicit TextDocumentFiles(EditControl& edit) : edit_(edit) {}
-    bool load(const QString& path, bool rtf, QString& error) override;
+    LoadResult load(const QString& path, bool rtf, QString& error) override;
     bool save(const QString& path, bool rtf, QString& error) override;
     void reset() override { format_ = LoadedDocument(); }
     const TextFormat& format() const { return format_.format; }
@@ -31,7 +32,10 @@ protected:
 // Over the window's edit control: RTF keeps its fonts and colours.
 class WidgetDocumentFiles : public TextDocumentFiles {
 public:
-    explicit WidgetDocumentFiles(PlainTextEditControl& edit);
+    // With `busy`, a text file is read and made ready for the widget on a worker, with a busy
+    // indicator and Cancel while that takes long.
+    WidgetDocumentFiles(PlainTextEditControl& edit, BusyWork* busy);
+    LoadResult load(const QString& path, bool rtf, QString& error) override;
 
 protected:
     bool loadRtf(const QByteArray& bytes, QString& error) override;
@@ -39,6 +43,7 @@ protected:
 
 private:
     PlainTextEditControl& widgetEdit_;
+    BusyWork* busy_;
 };
 
 } // namespace ed

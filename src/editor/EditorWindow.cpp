@@ -2,14 +2,15 @@
 
 #include "editor/AboutBox.h"
 #include "editor/BackgroundCommand.h"
+#include "editor/BusyWork.h"
 #include "editor/DocumentStore.h"
 #include "editor/FormLoad.h"
 #include "editor/HistoryCommands.h"
-#include "editor/SearchCommands.h"
-#include "editor/UndoHistory.h"
 #include "editor/LinkMenu.h"
 #include "editor/MenuTable.h"
 #include "editor/PlainTextEditControl.h"
+#include "editor/SearchCommands.h"
+#include "editor/UndoHistory.h"
 #include "web/BrowserPort.h"
 #include "web/SiteList.h"
 
@@ -42,10 +43,11 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     text_->setFont(QFont(QStringLiteral("Arial")));
     setCentralWidget(text_);
     edit_ = new PlainTextEditControl(text_);
-    files_ = std::make_unique<WidgetDocumentFiles>(*edit_);
+    busy_ = std::make_unique<BusyWork>(this);
+    files_ = std::make_unique<WidgetDocumentFiles>(*edit_, busy_.get());
     history_ = std::make_unique<UndoHistory>();
     background_ = std::make_unique<BackgroundCommands>(BackgroundCommands::Services{
-        this, &dialogs_, &logger_, &startUp_, edit_, &form_});
+        this, &dialogs_, &logger_, &startUp_, edit_, &form_, busy_.get(), edit_});
     browser_ = std::make_unique<web::DevToolsBrowserPort>(
         AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_, &fileDialogs_);
     siteList_ = std::make_unique<SiteListState>(std::make_unique<QtSiteTimer>());
@@ -59,9 +61,9 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
 EditorWindow::~EditorWindow() = default;
 
 void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
-    ctx_ = std::make_unique<CommandContext>(*edit_, dialogs, clipboard_,
-                                            AppSettings(store_, startUp_.RegKeyAppName), logger_,
-                                            clock_, launcher_, menu_, util_, form_, *this, startUp_);
+    ctx_ = std::make_unique<CommandContext>(
+        *edit_, dialogs, clipboard_, AppSettings(store_, startUp_.RegKeyAppName), logger_, clock_,
+        launcher_, menu_, util_, form_, *this, startUp_);
     ctx_->view = edit_;
     ctx_->fileDialogs = fileDialogs;
     ctx_->files = files_.get();
@@ -82,7 +84,9 @@ void EditorWindow::setDialogs(Dialogs* dialogs) {
     logger_.setDialogs(dialogs);
 }
 
-void EditorWindow::setFileDialogs(FileDialogs* dialogs) { ctx_->fileDialogs = dialogs; }
+void EditorWindow::setFileDialogs(FileDialogs* dialogs) {
+    ctx_->fileDialogs = dialogs;
+}
 
 bool EditorWindow::eventFilter(QObject* watched, QEvent* event) {
     // The text widget would take Ctrl+Z and Ctrl+Y for itself; they belong to Edit > Undo/Redo.
@@ -183,8 +187,8 @@ void EditorWindow::runItem(const QString& name) {
     edit_->takeUserEdited();
     const QString now = edit_->text();
     const bool historyItem = name == u"mnuUndo" || name == u"mnuRedo";
-    const bool newDocument = name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" ||
-                             name == u"mnuDelete";
+    const bool newDocument =
+        name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" || name == u"mnuDelete";
     if (newDocument)
         history_->clear();
     else if (!historyItem && now != committed_)
@@ -193,7 +197,9 @@ void EditorWindow::runItem(const QString& name) {
     updateHistoryItems(*ctx_);
 }
 
-void EditorWindow::trigger(const QString& item) { runItem(item); }
+void EditorWindow::trigger(const QString& item) {
+    runItem(item);
+}
 
 void EditorWindow::refreshLinks() {
     if (!fileMenu_)
@@ -207,8 +213,10 @@ void EditorWindow::refreshLinks() {
         const QString name = form_.LinkItems[size_t(i)];
         if (name.isEmpty())
             continue;
-        auto* a = new QAction(QStringLiteral("&%1 %2").arg(i < 9 ? QString::number(i + 1) : QString(QChar(u'A' + i - 9)), name),
-                              fileMenu_);
+        auto* a =
+            new QAction(QStringLiteral("&%1 %2").arg(
+                            i < 9 ? QString::number(i + 1) : QString(QChar(u'A' + i - 9)), name),
+                        fileMenu_);
         a->setObjectName(QStringLiteral("mnuLnk%1").arg(i + 1));
         connect(a, &QAction::triggered, this, [this, i] {
             mnuLnk_Click(*ctx_, i);
@@ -230,23 +238,31 @@ void EditorWindow::load() {
     updateHistoryItems(*ctx_);
 }
 
-void EditorWindow::showWindow() { show(); }
+void EditorWindow::showWindow() {
+    show();
+}
 
 void EditorWindow::setCaption(const QString& caption) {
     form_.caption = caption;
     setWindowTitle(caption);
 }
 
-QString EditorWindow::caption() const { return form_.caption; }
+QString EditorWindow::caption() const {
+    return form_.caption;
+}
 
-void EditorWindow::showStatus(const QString& text) { statusBar()->showMessage(text, 15000); }
+void EditorWindow::showStatus(const QString& text) {
+    statusBar()->showMessage(text, 15000);
+}
 
-void EditorWindow::close() { QMainWindow::close(); }
+void EditorWindow::close() {
+    QMainWindow::close();
+}
 
 void EditorWindow::showAbout() {
     if (!about_)
-        about_ = makeAboutBox(this, store_.filePath(startUp_.RegKeyAppName),
-                              ErrorLogger::logFilePath());
+        about_ =
+            makeAboutBox(this, store_.filePath(startUp_.RegKeyAppName), ErrorLogger::logFilePath());
     about_->show();
     about_->raise();
 }

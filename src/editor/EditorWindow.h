@@ -24,6 +24,7 @@ class PlainTextEditControl;
 class TextDocumentFiles;
 class UndoHistory;
 class BackgroundCommands;
+class BusyWork;
 class BrowserPort;
 class SiteListState;
 
@@ -57,6 +58,7 @@ public:
     void setFileDialogs(FileDialogs* dialogs);
     UndoHistory& history() { return *history_; }
     BackgroundCommands& background() { return *background_; }
+    BusyWork& busy() { return *busy_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -83,6 +85,7 @@ private:
     SettingsStore store_;
     Utility util_;
     FormState form_;
+    std::unique_ptr<BusyWork> busy_; // before everything that runs work on it
     std::unique_ptr<TextDocumentFiles> files_;
     std::unique_ptr<UndoHistory> history_;
     std::unique_ptr<BackgroundCommands> background_;

@@ -27,18 +27,21 @@ void Form_Load(CommandContext& ctx, QString commandLine) {
             const QString path = QFileInfo(commandLine).absoluteFilePath();
             adoptFileName(ctx, path);
             PutLinkOnMenu(ctx, path);
-            LoadNewFile(ctx, path);
+            if (!LoadNewFile(ctx, path)) {
+                // Cancelled: an empty new document, never one named after the file not read.
+                ctx.form.FileName = GetNewFile(ctx);
+                ctx.window.setCaption(ctx.form.FileName);
+            }
         } else {
-            ctx.form.LastDir = ctx.settings.get(QStringLiteral("frmEdit"), QStringLiteral("Last Dir"),
-                                                QString());
+            ctx.form.LastDir =
+                ctx.settings.get(QStringLiteral("frmEdit"), QStringLiteral("Last Dir"), QString());
             if (ctx.form.LastDir.isEmpty())
                 ctx.form.LastDir = ctx.startUp.programFolder + u'/';
             ctx.form.FileName = GetNewFile(ctx);
             ctx.window.setCaption(ctx.form.FileName);
         }
-        ctx.form.RightMargin = settingToBool(
-            ctx.settings.get(QStringLiteral("frmEdit"), QStringLiteral("Right Margin"),
-                             QStringLiteral("0")));
+        ctx.form.RightMargin = settingToBool(ctx.settings.get(
+            QStringLiteral("frmEdit"), QStringLiteral("Right Margin"), QStringLiteral("0")));
         if (ctx.form.RightMargin)
             ctx.run(QStringLiteral("mnuNoWrap"));
         SetFont(ctx);

@@ -11,7 +11,9 @@ namespace {
 
 const QString kSection = QStringLiteral("frmEdit");
 
-QString key(int i) { return QStringLiteral("Link Menu Item ") + QString::number(i + 1); }
+QString key(int i) {
+    return QStringLiteral("Link Menu Item ") + QString::number(i + 1);
+}
 
 void store(CommandContext& ctx, const QStringList& names) {
     for (int i = 0; i < kLinkCount; ++i) {
@@ -83,10 +85,7 @@ void mnuLnk_Click(CommandContext& ctx, int index) {
             RemoveLinkFromMenu(ctx, name);
             return;
         }
-        ctx.edit.setText(QString());
-        PutLinkOnMenu(ctx, name);
-        adoptFileName(ctx, name, false);
-        LoadNewFile(ctx, name);
+        openInPlace(ctx, name);
     });
 }
 

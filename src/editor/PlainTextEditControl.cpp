@@ -4,10 +4,12 @@
 #include <QApplication>
 #include <QEvent>
 #include <QMouseEvent>
+#include <QPlainTextDocumentLayout>
 #include <QPlainTextEdit>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QThread>
 #include <QTimer>
 
 namespace ed {
@@ -104,16 +106,21 @@ PlainTextEditControl::PlainTextEditControl(QPlainTextEdit* widget)
     : QObject(widget), widget_(widget) {
     // The widget keeps no undo stack of its own: the window's history covers every change.
     widget_->setUndoRedoEnabled(false);
-    connect(widget_->document(), &QTextDocument::contentsChanged, this, [this] {
+    watchDocument();
+    widget_->installEventFilter(this);
+    widget_->viewport()->installEventFilter(this);
+}
+
+void PlainTextEditControl::watchDocument() {
+    QTextDocument* doc = widget_->document();
+    connect(doc, &QTextDocument::contentsChanged, this, [this] {
         if (!ownEdit_) {
             cacheValid_ = false;
             userEdited_ = true;
         }
     });
-    connect(widget_->document(), &QTextDocument::contentsChange, this,
+    connect(doc, &QTextDocument::contentsChange, this,
             [this](int from, int, int added) { contentsChanged(from, added); });
-    widget_->installEventFilter(this);
-    widget_->viewport()->installEventFilter(this);
 }
 
 void PlainTextEditControl::contentsChanged(int from, int added) {
@@ -254,38 +261,71 @@ void PlainTextEditControl::applyShaping(bool longLines) {
     }
 }
 
-void PlainTextEditControl::setText(const QString& text) {
-    applyShaping(longestLine(text) > kLongLine);
-    // A whole-text assignment replaces the content in one undoable step and drops formatting.
+PreparedDocument::PreparedDocument(const QString& model, QThread* owner) : model_(model) {
     // A text that holds line separators of its own keeps one line per block.
-    breaksInBlocks_ = !text.contains(QChar::LineSeparator);
-    std::vector<int> lines;
+    breaksInBlocks_ = !model.contains(QChar::LineSeparator);
+    longLines_ = longestLine(model) > kLongLine;
     const QString shown =
-        breaksInBlocks_ ? modelToWidgetBlocks(text, lines) : modelToWidgetText(text);
+        breaksInBlocks_ ? modelToWidgetBlocks(model, lines_) : modelToWidgetText(model);
+    // No layout yet: the widget gives the document its own when it shows it.
+    doc_ = std::make_unique<QTextDocument>();
+    doc_->setUndoRedoEnabled(false);
+    doc_->setPlainText(shown);
+    if (breaksInBlocks_) {
+        QTextBlock b = doc_->firstBlock();
+        for (size_t i = 0; i < lines_.size() && b.isValid(); ++i, b = b.next())
+            b.setUserState(lines_[i]);
+    }
+    doc_->moveToThread(owner);
+}
+
+PreparedDocument::~PreparedDocument() {
+    // Dropped on a worker after a cancel: the document belongs to the window's thread by now.
+    if (doc_ && doc_->thread() != QThread::currentThread())
+        doc_.release()->deleteLater();
+}
+
+void PlainTextEditControl::setText(const QString& text) {
+    adopt(PreparedDocument(text, thread()));
+}
+
+void PlainTextEditControl::adopt(PreparedDocument&& prepared) {
+    QTextDocument* doc = prepared.doc_.release();
+    doc->setParent(this);
+    doc->setDefaultFont(widget_->font());
+    doc->setDocumentLayout(new QPlainTextDocumentLayout(doc));
+    QTextDocument* old = widget_->document();
+    const bool ownOld = old->parent() == this;
+    disconnect(old, nullptr, this, nullptr);
+    // A whole-text assignment replaces the content in one step and drops formatting.
     ownEdit_ = true;
-    widget_->document()->setPlainText(shown);
+    widget_->setDocument(doc);
     ownEdit_ = false;
+    if (ownOld)
+        delete old;
+    watchDocument();
+    applyShaping(prepared.longLines_);
     rich_ = false;
-    cache_ = text;
+    breaksInBlocks_ = prepared.breaksInBlocks_;
+    cache_ = std::move(prepared.model_);
     cacheValid_ = true;
     if (breaksInBlocks_) {
-        // What the load already knows: each block's lines and the breaks before it.
-        breaks_.resize(lines.size());
+        // What the load already knows: the breaks before each block.
+        breaks_.resize(prepared.lines_.size());
         int before = 0;
-        QTextBlock b = widget_->document()->firstBlock();
-        for (size_t i = 0; i < lines.size() && b.isValid(); ++i, b = b.next()) {
-            b.setUserState(lines[i]);
+        for (size_t i = 0; i < prepared.lines_.size(); ++i) {
             breaks_[i] = before;
-            before += lines[i];
+            before += prepared.lines_[i];
         }
-        breaksValid_ = int(lines.size());
+        breaksValid_ = int(prepared.lines_.size());
         restoreLineCounts();
-        // Once more after the widget's own handling of the new content.
+        // Once more after the widget's own handling of the new document.
         lineCountsPending_ = true;
         QTimer::singleShot(0, this, &PlainTextEditControl::restoreLineCounts);
+    } else {
+        breaksValid_ = 0;
     }
-    QTextCursor caret(widget_->document());
-    widget_->setTextCursor(caret);
+    widget_->setTextCursor(QTextCursor(doc));
 }
 
 void PlainTextEditControl::replaceRange(int start, int length, const QString& replacement) {

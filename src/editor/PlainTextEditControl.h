@@ -13,11 +13,35 @@
 #include <QObject>
 #include <QPoint>
 
+#include <memory>
 #include <vector>
 
 class QPlainTextEdit;
+class QTextDocument;
+class QThread;
 
 namespace ed {
+
+// The widget's document for a whole text, built on any thread (a large one is built away from
+// the window's thread) and then shown by PlainTextEditControl::adopt in one quick step.
+class PreparedDocument {
+public:
+    // Builds the document for the model text `model` and hands it to the thread `owner`.
+    PreparedDocument(const QString& model, QThread* owner);
+    ~PreparedDocument();
+    PreparedDocument(const PreparedDocument&) = delete;
+    PreparedDocument& operator=(const PreparedDocument&) = delete;
+
+    const QString& text() const { return model_; }
+
+private:
+    friend class PlainTextEditControl;
+    QString model_;
+    std::unique_ptr<QTextDocument> doc_;
+    std::vector<int> lines_; // lines per block when breaksInBlocks_
+    bool breaksInBlocks_ = false;
+    bool longLines_ = false;
+};
 
 class PlainTextEditControl : public QObject, public EditControl, public EditView {
     Q_OBJECT
@@ -26,6 +50,8 @@ public:
 
     QString text() const override;
     void setText(const QString& text) override;
+    // Shows a document prepared for a whole text: the same as setText(prepared.text()).
+    void adopt(PreparedDocument&& prepared);
     int textLength() const override;
     int selStart() const override;
     void setSelStart(int start) override;
@@ -52,6 +78,7 @@ public:
 
 private:
     void applyShaping(bool longLines);
+    void watchDocument();
     void contentsChanged(int from, int added);
     // Model line breaks before the start of the block numbered `block`.
     int breaksBefore(int block) const;

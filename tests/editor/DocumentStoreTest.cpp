@@ -1,5 +1,5 @@
-#include "app/TextBuffer.h"
 #include "editor/DocumentStore.h"
+#include "app/TextBuffer.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -40,7 +40,7 @@ TEST(DocumentStore, SavesUneditedBytesBack) {
         TextBuffer edit;
         TextDocumentFiles files(edit);
         QString error;
-        ASSERT_TRUE(files.load(path, false, error)) << c.name;
+        ASSERT_EQ(files.load(path, false, error), DocumentFiles::LoadResult::Loaded) << c.name;
         ASSERT_TRUE(files.save(path, false, error)) << c.name;
         EXPECT_EQ(readAll(path), c.bytes + c.eol) << c.name;
     }
@@ -51,10 +51,11 @@ TEST(DocumentStore, FailuresLeaveDocumentEmptyAndOldFileWhole) {
     TextBuffer edit("something");
     TextDocumentFiles files(edit);
     QString error;
-    EXPECT_FALSE(files.load(dir.path() + "/missing.txt", false, error));
+    EXPECT_EQ(files.load(dir.path() + "/missing.txt", false, error),
+              DocumentFiles::LoadResult::Failed);
     EXPECT_EQ(edit.text(), "");
     EXPECT_TRUE(error.contains("no such file"));
-    EXPECT_FALSE(files.load(dir.path(), false, error));
+    EXPECT_EQ(files.load(dir.path(), false, error), DocumentFiles::LoadResult::Failed);
     EXPECT_TRUE(error.contains("folder"));
     EXPECT_FALSE(files.save(dir.path() + "/no/such/folder/x.txt", false, error));
     EXPECT_FALSE(files.save(QString(), false, error));
@@ -69,7 +70,7 @@ TEST(DocumentStore, RtfRoundTripKeepsText) {
     ASSERT_TRUE(files.save(path, true, error));
     TextBuffer again;
     TextDocumentFiles reread(again);
-    ASSERT_TRUE(reread.load(path, true, error));
+    ASSERT_EQ(reread.load(path, true, error), DocumentFiles::LoadResult::Loaded);
     EXPECT_EQ(again.text(), edit.text());
 }
 
@@ -83,7 +84,7 @@ TEST(DocumentStore, RtfNamedFileWithoutRtfOpensAsText) {
     TextBuffer edit;
     TextDocumentFiles files(edit);
     QString error;
-    ASSERT_TRUE(files.load(path, true, error));
+    ASSERT_EQ(files.load(path, true, error), DocumentFiles::LoadResult::Loaded);
     EXPECT_EQ(edit.text(), "just text\r\n");
 }
 

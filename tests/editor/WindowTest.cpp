@@ -1,6 +1,6 @@
 // The window assembled for real on the offscreen platform, over real temporary files.
 
-#include "editor/BackgroundCommand.h"
+#include "editor/BusyWork.h"
 #include "editor/EditorWindow.h"
 #include "editor/PlainTextEditControl.h"
 #include "support/Fakes.h"
@@ -198,8 +198,8 @@ TEST_F(WindowTest, LongCommandCanBeCancelledAndLeavesTheDocument) {
     open(path("big.txt"));
     const QString before = edit().text();
     int shown = 0;
-    window_->background().busyDelayMs = 0;
-    window_->background().showBusy = [&](std::function<void()> cancel) {
+    window_->busy().delayMs = 0;
+    window_->busy().showBusy = [&](std::function<void()> cancel) {
         ++shown;
         cancel();
     };
@@ -210,13 +210,43 @@ TEST_F(WindowTest, LongCommandCanBeCancelledAndLeavesTheDocument) {
     EXPECT_FALSE(window_->menuState().isEnabled("mnuUndo"));
 
     // Not cancelled: the same command gives its result, one undo step.
-    window_->background().showBusy = [&](std::function<void()>) { ++shown; };
+    window_->busy().showBusy = [&](std::function<void()>) { ++shown; };
     dialogs_.answers = {"1"};
     run("mnuRemoveLinesContainingText");
     EXPECT_NE(edit().text(), before);
     EXPECT_FALSE(edit().text().contains("1"));
     run("mnuUndo");
     EXPECT_EQ(edit().text(), before);
+}
+
+TEST_F(WindowTest, LongOpenCanBeCancelledAndLeavesTheDocumentAndItsName) {
+    write("small.txt", "kept\r\n");
+    QByteArray big;
+    for (int i = 0; i < 200000; ++i)
+        big += "line " + QByteArray::number(i) + "\r\n";
+    write("big.txt", big);
+    open(path("small.txt"));
+    window_->busy().delayMs = 0;
+    int shown = 0;
+    window_->busy().showBusy = [&](std::function<void()> cancel) {
+        ++shown;
+        cancel();
+    };
+    files_.openAnswers.push_back({path("big.txt"), 1});
+    run("mnuOpen");
+    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(edit().text(), "kept\r\n");
+    EXPECT_EQ(window_->context().form.FileName, path("small.txt"));
+    EXPECT_EQ(window_->windowTitle(), path("small.txt"));
+
+    window_->busy().showBusy = [&](std::function<void()>) { ++shown; };
+    files_.openAnswers.push_back({path("big.txt"), 1});
+    run("mnuOpen");
+    EXPECT_EQ(edit().text(), QString::fromLatin1(big));
+    EXPECT_EQ(window_->windowTitle(), path("big.txt"));
+    // Saved back unchanged, plus the one line break a save adds.
+    run("mnuSave");
+    EXPECT_EQ(read("big.txt"), big + "\r\n");
 }
 
 } // namespace

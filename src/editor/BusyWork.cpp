@@ -1,0 +1,67 @@
+#include "editor/BusyWork.h"
+
+#include "app/Ports.h"
+
+#include <QEventLoop>
+#include <QProgressDialog>
+#include <QTimer>
+#include <QWidget>
+
+namespace ed {
+
+BusyWork::~BusyWork() {
+    for (const auto& t : threads_)
+        t->wait();
+}
+
+bool BusyWork::run(const QString& what, std::function<void()> work,
+                   const std::shared_ptr<BusyToken>& token) {
+    // Workers of cancelled work that have finished since are let go.
+    std::erase_if(threads_, [](const std::unique_ptr<QThread>& t) { return t->isFinished(); });
+    threads_.emplace_back(QThread::create(std::move(work)));
+    QThread* thread = threads_.back().get();
+
+    QEventLoop loop;
+    QObject::connect(thread, &QThread::finished, &loop, &QEventLoop::quit);
+    auto cancel = [token, &loop] {
+        token->cancelled = true;
+        loop.quit();
+    };
+    std::unique_ptr<QProgressDialog> progress;
+    bool shown = false;
+    QTimer busy;
+    busy.setInterval(delayMs);
+    QObject::connect(&busy, &QTimer::timeout, [&] {
+        if (token->openDialogs > 0)
+            return; // the user is answering a prompt: not busy yet
+        busy.stop();
+        shown = true;
+        if (showBusy) {
+            showBusy(cancel);
+            if (!token->cancelled)
+                loop.quit();
+            return;
+        }
+        progress = std::make_unique<QProgressDialog>(what, QStringLiteral("Cancel"), 0, 0, parent_);
+        progress->setWindowTitle(defaultTitle());
+        progress->setWindowModality(Qt::WindowModal);
+        progress->setMinimumDuration(0);
+        QObject::connect(progress.get(), &QProgressDialog::canceled, cancel);
+        progress->show();
+        loop.quit(); // from now on the modal indicator guards the window
+    });
+    thread->start();
+    busy.start();
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (shown && !token->cancelled && !thread->isFinished())
+        loop.exec();
+    busy.stop();
+    progress.reset();
+    if (token->cancelled)
+        return false;
+    thread->wait();
+    threads_.pop_back();
+    return true;
+}
+
+} // namespace ed
