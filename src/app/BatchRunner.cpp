@@ -5,8 +5,11 @@
 #include "app/StartUp.h"
 #include "app/SystemPorts.h"
 #include "app/TextBuffer.h"
+#include "app/Trap.h"
 #include "editor/DocumentIO.h"
 #include "editor/MenuTable.h"
+#include "textcmds/Utf8Commands.h"
+#include "util/Utf8Document.h"
 #include "util/Utility.h"
 #include "web/BrowserPort.h"
 
@@ -14,8 +17,9 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace ed {
+#include <optional>
 
+namespace ed {
 
 bool parseBatchArguments(const QStringList& args, BatchOptions& o, QString& error) {
     auto need = [&](qsizetype i, const QString& opt) {
@@ -114,39 +118,68 @@ void writeLine(FILE* f, const QString& line) {
     std::fputc('\n', f);
 }
 
-// Loads FILE (or standard input) as the window does. A regular file is mapped rather than
-// copied: a big document then costs one decoding pass and no second buffer of its bytes.
-bool loadInputFile(const QString& path, LoadedDocument& doc, QString& error);
+// The bytes of FILE (or standard input). A regular file is mapped rather than copied: a big
+// document then costs no buffer of its own bytes.
+struct InputBytes {
+    QFile file;
+    QByteArray bytes;
 
-// A document with no line break has no style of its own: the output then uses the model's
-// CR LF, as the commands write it.
-bool loadInput(const QString& path, LoadedDocument& doc, QString& error) {
-    if (!loadInputFile(path, doc, error))
-        return false;
-    if (!doc.text.contains(QStringLiteral("\r\n")))
-        doc.format.lineBreak = LineBreak::CrLf;
-    return true;
-}
+    void release() {
+        bytes = QByteArray();
+        file.close();
+    }
+};
 
-bool loadInputFile(const QString& path, LoadedDocument& doc, QString& error) {
+bool readInput(const QString& path, InputBytes& in, QString& error) {
     if (path.isEmpty() || path == u"-") {
-        QFile in;
-        if (!in.open(stdin, QIODevice::ReadOnly)) {
+        QFile input;
+        if (!input.open(stdin, QIODevice::ReadOnly)) {
             error = QStringLiteral("cannot read standard input");
             return false;
         }
-        doc = decodeDocument(in.readAll(), QString());
+        in.bytes = input.readAll();
         return true;
     }
-    QFile file(path);
-    if (QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) && file.size() > 0) {
-        if (const uchar* p = file.map(0, file.size())) {
-            doc = decodeDocument(
-                QByteArray::fromRawData(reinterpret_cast<const char*>(p), file.size()), path);
+    in.file.setFileName(path);
+    if (QFileInfo(path).isFile() && in.file.open(QIODevice::ReadOnly) && in.file.size() > 0) {
+        if (const uchar* p = in.file.map(0, in.file.size())) {
+            in.bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(p), in.file.size());
             return true;
         }
     }
-    return readDocumentFile(path, doc, error);
+    in.file.close();
+    return readFileBytes(path, in.bytes, error);
+}
+
+// Decodes the input as the window does. A document with no line break has no style of its own:
+// the output then uses the model's CR LF, as the commands write it.
+LoadedDocument decodeInput(const QByteArray& bytes) {
+    LoadedDocument doc = decodeDocument(bytes, QString());
+    if (!doc.text.contains(QStringLiteral("\r\n")))
+        doc.format.lineBreak = LineBreak::CrLf;
+    return doc;
+}
+
+// A single command over the whole of a UTF-8 document can work on its bytes when it has such a
+// version; nothing is decoded then.
+std::optional<Utf8Document> directDocument(const BatchOptions& o, const QByteArray& bytes,
+                                           Utf8Handler& handler) {
+    if (!o.directUtf8 || o.steps.size() != 1 || o.report || o.steps[0].hasSelect)
+        return std::nullopt;
+    handler = findUtf8Handler(findByBatchName(o.steps[0].item)->handler);
+    if (!handler)
+        return std::nullopt;
+    return Utf8Document::fromFile(bytes);
+}
+
+// Runs the bytes version of an item under the item's error trap, as runMenuItem runs it.
+void runUtf8Item(const MenuItemDecl& item, Utf8Handler handler, CommandContext& ctx,
+                 Utf8Document& doc) {
+    try {
+        handler(ctx, doc);
+    } catch (const std::exception& e) {
+        ctx.log.logError(trapModule(item), trapLabel(item), describe(e));
+    }
 }
 
 // The --out target must be able to become a file: checked before anything runs.
@@ -194,11 +227,18 @@ struct LoggedErrors {
 } // namespace
 
 int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
-    LoadedDocument doc;
+    InputBytes input;
     QString usageError;
-    if (!loadInput(o.inFile, doc, usageError) || !checkOutTarget(o.outFile, usageError)) {
+    if (!readInput(o.inFile, input, usageError) || !checkOutTarget(o.outFile, usageError)) {
         writeLine(err, QStringLiteral("Editor: ") + usageError);
         return 2;
+    }
+    Utf8Handler directHandler = nullptr;
+    std::optional<Utf8Document> direct = directDocument(o, input.bytes, directHandler);
+    LoadedDocument doc;
+    if (!direct) {
+        doc = decodeInput(input.bytes);
+        input.release();
     }
 
     QStringList reportLines;
@@ -246,7 +286,10 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
             edit.setSelStart(step.selStart);
             edit.setSelLength(step.selLength);
         }
-        runMenuItem(*findByBatchName(step.item), ctx);
+        if (direct)
+            runUtf8Item(*findByBatchName(step.item), directHandler, ctx, *direct);
+        else
+            runMenuItem(*findByBatchName(step.item), ctx);
         if (!dialogs.error().isEmpty()) {
             writeLine(err, QStringLiteral("Editor: ") + dialogs.error());
             return 2;
@@ -264,7 +307,8 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
         writeLine(err, e);
 
     QString writeError;
-    if (!writeOutput(o.outFile, encodeDocument(edit.text(), doc), out, writeError)) {
+    const QByteArray result = direct ? direct->fileBytes() : encodeDocument(edit.text(), doc);
+    if (!writeOutput(o.outFile, result, out, writeError)) {
         writeLine(err, QStringLiteral("Editor: ") + writeError);
         return 1;
     }

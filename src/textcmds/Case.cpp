@@ -1,8 +1,8 @@
 #include "textcmds/Case.h"
 
+#include "textcmds/CaseMapping.h"
 #include "textcmds/Framework.h"
-
-#include <QHash>
+#include "textcmds/Utf8Transforms.h"
 
 #include <type_traits>
 
@@ -99,16 +99,16 @@ bool isWordBoundary(char32_t c) {
     return QChar::isSpace(c);
 }
 
-// Full case conversion in one pass. Almost every character maps to one character; the few whose
-// full mapping is longer (German sharp s to "SS", dotted capital I to "i" and a combining dot,
-// ligatures, ...) are converted one by one, so the text grows without being copied again.
+// Full case conversion in one pass: blocks of ASCII characters by a simple loop, every other
+// character by its full mapping, so the text grows without being copied again where a character
+// maps to more than one.
 QString convertCase(QStringView s, bool upper) {
     const qsizetype n = s.size();
     const QChar* in = s.data();
     QString out(n, Qt::Uninitialized);
     QChar* d = out.data();
     qsizetype o = 0;
-    QHash<char32_t, QString> expanded;
+    CaseMapping mapping(upper);
     auto room = [&](qsizetype need) {
         if (o + need > out.size()) {
             out.resize(qMax(out.size() + out.size() / 2, o + need) + 16);
@@ -142,30 +142,10 @@ QString convertCase(QStringView s, bool upper) {
             cp = QChar::surrogateToUcs4(c, in[i + 1]);
             units = 2;
         }
-        const char32_t simple = upper ? QChar::toUpper(cp) : QChar::toLower(cp);
-        const QChar::Category cat = QChar::category(cp);
-        const bool mayExpand =
-            (simple == cp && cat == (upper ? QChar::Letter_Lowercase : QChar::Letter_Uppercase)) ||
-            cat == QChar::Letter_Titlecase;
-        if (mayExpand) {
-            // Looked up once per distinct character, so a text full of them stays cheap.
-            auto found = expanded.constFind(cp);
-            if (found == expanded.cend()) {
-                const QString one = QStringView(in + i, units).toString();
-                found = expanded.insert(cp, upper ? one.toUpper() : one.toLower());
-            }
-            const QString& full = *found;
-            room(full.size());
-            for (QChar f : full)
-                d[o++] = f;
-        } else if (QChar::requiresSurrogates(simple)) {
-            room(2);
-            d[o++] = QChar(QChar::highSurrogate(simple));
-            d[o++] = QChar(QChar::lowSurrogate(simple));
-        } else {
-            room(1);
-            d[o++] = QChar(char16_t(simple));
-        }
+        const QStringView full = mapping.map(cp);
+        room(full.size());
+        for (QChar f : full)
+            d[o++] = f;
         i += units - 1;
     }
     out.truncate(o);
@@ -243,6 +223,15 @@ void mnuConvertToLowerCase_Click(CommandContext& ctx) {
 
 void mnuConvertToUpperCase_Click(CommandContext& ctx) {
     selectionOrWhole(ctx, !ctx.edit.selText().isEmpty(), uppered);
+}
+
+// Only a document without a selection comes here: the whole text is converted.
+void mnuConvertToLowerCase_Utf8(CommandContext&, Utf8Document& doc) {
+    doc.setText(convertCaseUtf8(doc.text(), false));
+}
+
+void mnuConvertToUpperCase_Utf8(CommandContext&, Utf8Document& doc) {
+    doc.setText(convertCaseUtf8(doc.text(), true));
 }
 
 void mnuConvertToProperCase_Click(CommandContext& ctx) {

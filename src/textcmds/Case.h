@@ -3,6 +3,7 @@
 // on the selection when its own selection test finds one, otherwise on the whole text.
 
 #include "app/Command.h"
+#include "util/Utf8Document.h"
 
 #include <QString>
 #include <QStringView>
@@ -14,6 +15,9 @@ void mnuConvertToUpperCase_Click(CommandContext& ctx);
 void mnuConvertToProperCase_Click(CommandContext& ctx);
 void mnuCapitalizeEachWord_Click(CommandContext& ctx);
 void mnuConvertToCrippledText_Click(CommandContext& ctx);
+// Lower and upper case of a whole UTF-8 document's bytes (see Utf8Commands.h).
+void mnuConvertToLowerCase_Utf8(CommandContext& ctx, Utf8Document& doc);
+void mnuConvertToUpperCase_Utf8(CommandContext& ctx, Utf8Document& doc);
 
 // Lower case one character at a time (the simple Unicode mapping), so the result has exactly the
 // length of `src` and every position in it matches the same position in `src`. Characters outside

@@ -3,6 +3,7 @@
 #include "app/Trap.h"
 #include "textcmds/Framework.h"
 #include "textcmds/LineFiltersSupport.h"
+#include "textcmds/Utf8Transforms.h"
 #include "util/Utility.h"
 
 #include <QStringMatcher>
@@ -50,20 +51,36 @@ bool keepsValue(QChar op, qint32 v, qint32 n) {
     return false;
 }
 
+std::optional<QString> askContaining(CommandContext& ctx) {
+    return promptRemembered(ctx, QStringLiteral("Remove lines Containing text."), kContainsTitle,
+                            kSwitchAtTextKey);
+}
+
+std::optional<QString> askNotContaining(CommandContext& ctx) {
+    return promptRemembered(ctx, QStringLiteral("Remove lines Not containing text."),
+                            kContainsTitle, kSwitchAtTextKey);
+}
+
 } // namespace
 
 void mnuRemoveLinesContainingText_Click(CommandContext& ctx) {
-    const auto answer = promptRemembered(ctx, QStringLiteral("Remove lines Containing text."),
-                                         kContainsTitle, kSwitchAtTextKey);
-    if (answer)
+    if (const auto answer = askContaining(ctx))
         filterByText(ctx, *answer, false);
 }
 
 void mnuRemoveLinesNotContainingText_Click(CommandContext& ctx) {
-    const auto answer = promptRemembered(ctx, QStringLiteral("Remove lines Not containing text."),
-                                         kContainsTitle, kSwitchAtTextKey);
-    if (answer)
+    if (const auto answer = askNotContaining(ctx))
         filterByText(ctx, *answer, true);
+}
+
+void mnuRemoveLinesContainingText_Utf8(CommandContext& ctx, Utf8Document& doc) {
+    if (const auto answer = askContaining(ctx))
+        doc.setText(filterLinesUtf8(doc, *answer, false));
+}
+
+void mnuRemoveLinesNotContainingText_Utf8(CommandContext& ctx, Utf8Document& doc) {
+    if (const auto answer = askNotContaining(ctx))
+        doc.setText(filterLinesUtf8(doc, *answer, true));
 }
 
 void mnuByNumericValue_Click(CommandContext& ctx) {

@@ -3,6 +3,7 @@
 // fail a comparison, and repeated lines.
 
 #include "app/Command.h"
+#include "util/Utf8Document.h"
 
 namespace ed {
 
@@ -10,5 +11,8 @@ void mnuRemoveLinesContainingText_Click(CommandContext& ctx);
 void mnuRemoveLinesNotContainingText_Click(CommandContext& ctx);
 void mnuByNumericValue_Click(CommandContext& ctx);
 void mnuRemoveRepeats_Click(CommandContext& ctx);
+// The two text filters on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
+void mnuRemoveLinesContainingText_Utf8(CommandContext& ctx, Utf8Document& doc);
+void mnuRemoveLinesNotContainingText_Utf8(CommandContext& ctx, Utf8Document& doc);
 
 } // namespace ed

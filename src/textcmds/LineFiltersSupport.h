@@ -35,12 +35,11 @@ public:
     // QString::toLower does; false (and `out` partly written) when a character of `s` needs the
     // full conversion: half of a surrogate pair, or one that lowers into more than one.
     bool lowerInto(QStringView s, char16_t* out);
-
-private:
     // True when QString::toLower turns `c` into something other than QChar::toLower(c) gives
     // (one character into two); worked out once per character met.
     bool lowersDifferently(char16_t c);
 
+private:
     QString buffer_;
     std::bitset<65536> checked_;
     std::bitset<65536> different_;

@@ -1,6 +1,7 @@
 #include "textcmds/PrefixSuffix.h"
 
 #include "textcmds/Framework.h"
+#include "textcmds/Utf8Transforms.h"
 
 namespace ed {
 
@@ -54,22 +55,36 @@ void affixLines(CommandContext& ctx, const QString& prefix, const QString& suffi
         lines * (prefix.size() + suffix.size() + 2)));
 }
 
+std::optional<QString> askPrefix(CommandContext& ctx) {
+    return promptRemembered(ctx, QStringLiteral("Enter text to add as Prefix."),
+                            QStringLiteral("Enter text"), QStringLiteral("Previous Prefix"));
+}
+
+std::optional<QString> askSuffix(CommandContext& ctx) {
+    return promptRemembered(ctx, QStringLiteral("Enter text to add as Suffix."),
+                            QStringLiteral("Enter text"), QStringLiteral("Previous Suffix"));
+}
+
 } // namespace
 
 void mnuAddPrefix_Click(CommandContext& ctx) {
-    const auto prefix =
-        promptRemembered(ctx, QStringLiteral("Enter text to add as Prefix."),
-                         QStringLiteral("Enter text"), QStringLiteral("Previous Prefix"));
-    if (prefix)
+    if (const auto prefix = askPrefix(ctx))
         affixLines(ctx, *prefix, QString());
 }
 
 void mnuAddSuffix_Click(CommandContext& ctx) {
-    const auto suffix =
-        promptRemembered(ctx, QStringLiteral("Enter text to add as Suffix."),
-                         QStringLiteral("Enter text"), QStringLiteral("Previous Suffix"));
-    if (suffix)
+    if (const auto suffix = askSuffix(ctx))
         affixLines(ctx, QString(), *suffix);
+}
+
+void mnuAddPrefix_Utf8(CommandContext& ctx, Utf8Document& doc) {
+    if (const auto prefix = askPrefix(ctx))
+        doc.setText(affixLinesUtf8(doc, *prefix, QString()));
+}
+
+void mnuAddSuffix_Utf8(CommandContext& ctx, Utf8Document& doc) {
+    if (const auto suffix = askSuffix(ctx))
+        doc.setText(affixLinesUtf8(doc, QString(), *suffix));
 }
 
 } // namespace ed

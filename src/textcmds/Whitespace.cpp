@@ -1,6 +1,7 @@
 #include "textcmds/Whitespace.h"
 
 #include "textcmds/Framework.h"
+#include "textcmds/Utf8Transforms.h"
 
 namespace ed {
 
@@ -102,6 +103,10 @@ QString joinParagraphs(QStringView s) {
 
 void mnuRemoveAllSpaces_Click(CommandContext& ctx) {
     selectionOrWhole(ctx, !ctx.edit.selText().isEmpty(), withoutSpaces);
+}
+
+void mnuRemoveAllSpaces_Utf8(CommandContext&, Utf8Document& doc) {
+    doc.setText(removeSpacesUtf8(doc.text()));
 }
 
 void mnuTrimLeadingAndTrailingSpaces_Click(CommandContext& ctx) {

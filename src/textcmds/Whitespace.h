@@ -3,6 +3,7 @@
 // its leading and trailing spaces (tabs are not spaces).
 
 #include "app/Command.h"
+#include "util/Utf8Document.h"
 
 #include <QString>
 #include <QStringView>
@@ -10,6 +11,8 @@
 namespace ed {
 
 void mnuRemoveAllSpaces_Click(CommandContext& ctx);
+// The same on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
+void mnuRemoveAllSpaces_Utf8(CommandContext& ctx, Utf8Document& doc);
 void mnuTrimLeadingAndTrailingSpaces_Click(CommandContext& ctx);
 void mnuCnvDblSpcToSingle_Click(CommandContext& ctx);
 void mnuReplaceDoubleBlankLineWithSingle_Click(CommandContext& ctx);

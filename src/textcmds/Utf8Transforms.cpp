@@ -1,0 +1,193 @@
+#include "textcmds/Utf8Transforms.h"
+
+#include "textcmds/CaseMapping.h"
+#include "util/ByteWriter.h"
+#include "util/Utf8.h"
+
+#include <algorithm>
+#include <array>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace ed {
+
+namespace {
+
+// The UTF-8 of the full case mapping of characters outside ASCII. The two-byte characters (the
+// letters of most European scripts) are worked out once each, the others every time.
+class Utf8CaseMapper {
+public:
+    explicit Utf8CaseMapper(bool upper) : mapping_(upper) {
+        for (Entry& e : twoByte_)
+            e.size = kUnknown;
+    }
+
+    void put(char32_t cp, ByteWriter& out) {
+        if (cp < 0x800) {
+            Entry& e = twoByte_[cp - 0x80];
+            if (e.size == kUnknown) {
+                const QStringView m = mapping_.map(cp);
+                if (m.size() * 3 <= qsizetype(sizeof e.bytes))
+                    e.size = quint8(write(m, e.bytes) - e.bytes);
+                else
+                    e.size = kLong;
+            }
+            if (e.size != kLong) {
+                char* d = out.room(sizeof e.bytes);
+                std::memcpy(d, e.bytes, sizeof e.bytes);
+                out.advance(d + e.size);
+                return;
+            }
+        }
+        const QStringView m = mapping_.map(cp);
+        out.advance(write(m, out.room(3 * m.size())));
+    }
+
+private:
+    static constexpr quint8 kUnknown = 0xFF;
+    static constexpr quint8 kLong = 0xFE;
+    struct Entry {
+        quint8 size;
+        char bytes[15];
+    };
+
+    // UTF-8 of a mapping (at most three bytes per unit; a surrogate pair takes four for two).
+    static char* write(QStringView m, char* d) {
+        for (qsizetype k = 0; k < m.size(); ++k) {
+            char32_t u = m[k].unicode();
+            if (m[k].isHighSurrogate() && k + 1 < m.size() && m[k + 1].isLowSurrogate()) {
+                u = QChar::surrogateToUcs4(m[k], m[k + 1]);
+                ++k;
+            }
+            d = encodeUtf8At(u, d);
+        }
+        return d;
+    }
+
+    CaseMapping mapping_;
+    std::array<Entry, 0x800 - 0x80> twoByte_;
+};
+
+// Writes trimSpaces(a + b + c) at `d` without putting the three together first; returns the end.
+char* putTrimmed(char* d, QByteArrayView a, QByteArrayView b, QByteArrayView c) {
+    const QByteArrayView parts[3] = {a, b, c};
+    // Where the text starts: the first part with something other than spaces, and in it.
+    int first = 0;
+    qsizetype from = 0;
+    for (; first < 3; ++first) {
+        const QByteArrayView p = parts[first];
+        from = 0;
+        while (from < p.size() && p[from] == ' ')
+            ++from;
+        if (from < p.size())
+            break;
+    }
+    if (first == 3)
+        return d; // nothing but spaces
+    // Where it ends: the last part with something other than spaces, and in it.
+    int last = 2;
+    qsizetype to = 0;
+    for (;; --last) {
+        const QByteArrayView p = parts[last];
+        to = p.size();
+        while (to > 0 && p[to - 1] == ' ')
+            --to;
+        if (to > 0)
+            break;
+    }
+    for (int k = first; k <= last; ++k) {
+        const QByteArrayView p = parts[k];
+        const qsizetype b = k == first ? from : 0;
+        const qsizetype e = k == last ? to : p.size();
+        std::memcpy(d, p.data() + b, size_t(e - b));
+        d += e - b;
+    }
+    return d;
+}
+
+} // namespace
+
+QByteArray convertCaseUtf8(QByteArrayView text, bool upper) {
+    const auto* s = reinterpret_cast<const unsigned char*>(text.data());
+    const qsizetype n = text.size();
+    // Room for a little growth (a sharp s becomes "SS"); more is made when needed.
+    ByteWriter out(n + n / 16 + 64);
+    Utf8CaseMapper mapper(upper);
+    const char first = upper ? 'a' : 'A';
+    qsizetype i = 0;
+    while (i < n) {
+#ifdef __SSE2__
+        // Sixteen bytes mapped at once: the letters of the other case have their 0x20 bit
+        // flipped. All sixteen are written; only the ASCII ones before the first other byte
+        // count.
+        const __m128i before = _mm_set1_epi8(char(first - 1));
+        const __m128i after = _mm_set1_epi8(char(first + 26));
+        const __m128i caseBit = _mm_set1_epi8(0x20);
+        while (i + 16 <= n) {
+            char* d = out.room(16);
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+            const __m128i letter =
+                _mm_and_si128(_mm_cmpgt_epi8(v, before), _mm_cmplt_epi8(v, after));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d),
+                             _mm_xor_si128(v, _mm_and_si128(letter, caseBit)));
+            const int nonAscii = _mm_movemask_epi8(v);
+            if (nonAscii != 0) {
+                const int k = __builtin_ctz(unsigned(nonAscii));
+                out.advance(d + k);
+                i += k;
+                break;
+            }
+            out.advance(d + 16);
+            i += 16;
+        }
+#endif
+        if (i >= n)
+            break;
+        const unsigned char c = s[i];
+        if (c < 0x80) {
+            char* d = out.room(1);
+            *d = char(c ^ (unsigned(c - first) < 26 ? 0x20 : 0));
+            out.advance(d + 1);
+            ++i;
+            continue;
+        }
+        int len;
+        mapper.put(decodeUtf8At(s + i, len), out);
+        i += len;
+    }
+    return std::move(out).finish();
+}
+
+QByteArray removeSpacesUtf8(QByteArrayView text) {
+    // Every byte is written and the next one overwrites it if it was a space: no branch to
+    // mispredict on irregular spaces.
+    ByteWriter out(text.size());
+    char* d = out.room(text.size());
+    for (const char c : text) {
+        *d = c;
+        d += c != ' ';
+    }
+    out.advance(d);
+    return std::move(out).finish();
+}
+
+QByteArray affixLinesUtf8(const Utf8Document& doc, const QString& prefix, const QString& suffix) {
+    const QByteArray pre = prefix.toUtf8();
+    const QByteArray suf = suffix.toUtf8();
+    const QByteArrayView br = doc.lineBreakBytes();
+    const QByteArrayView text = doc.text();
+    const qsizetype lines =
+        std::count(text.begin(), text.end(), lineEndByte(doc.lineBreak())) + qsizetype(1);
+    ByteWriter out(text.size() + lines * (pre.size() + suf.size()) + br.size());
+    forEachUtf8Line(text, doc.lineBreak(), [&](QByteArrayView line) {
+        char* d = out.room(pre.size() + line.size() + suf.size() + br.size());
+        d = putTrimmed(d, pre, line, suf);
+        std::memcpy(d, br.data(), size_t(br.size()));
+        out.advance(d + br.size());
+    });
+    return std::move(out).finish();
+}
+
+} // namespace ed

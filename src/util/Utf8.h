@@ -1,0 +1,55 @@
+#pragma once
+// Small pieces of UTF-8 work on raw bytes: checking, and one character read or written.
+
+#include <QtGlobal>
+
+namespace ed {
+
+// Whether [p, p + n) is UTF-8 as the text decoder accepts it: no overlong forms, no surrogates,
+// nothing past U+10FFFF, no sequence cut short.
+bool isValidUtf8(const char* p, qsizetype n);
+
+// The character starting at `s` in valid UTF-8; `len` gets its length in bytes.
+inline char32_t decodeUtf8At(const unsigned char* s, int& len) {
+    const unsigned c = s[0];
+    if (c < 0x80) {
+        len = 1;
+        return c;
+    }
+    if (c < 0xE0) {
+        len = 2;
+        return ((c & 0x1F) << 6) | (s[1] & 0x3F);
+    }
+    if (c < 0xF0) {
+        len = 3;
+        return ((c & 0x0F) << 12) | ((s[1] & 0x3F) << 6) | (s[2] & 0x3F);
+    }
+    len = 4;
+    return ((c & 0x07) << 18) | ((s[1] & 0x3F) << 12) | ((s[2] & 0x3F) << 6) | (s[3] & 0x3F);
+}
+
+inline int utf8Length(char32_t cp) {
+    return cp < 0x80 ? 1 : cp < 0x800 ? 2 : cp < 0x10000 ? 3 : 4;
+}
+
+// Writes `cp` (not a surrogate) as UTF-8 at `d` and returns the end of what was written.
+inline char* encodeUtf8At(char32_t cp, char* d) {
+    if (cp < 0x80) {
+        *d++ = char(cp);
+    } else if (cp < 0x800) {
+        *d++ = char(0xC0 | (cp >> 6));
+        *d++ = char(0x80 | (cp & 0x3F));
+    } else if (cp < 0x10000) {
+        *d++ = char(0xE0 | (cp >> 12));
+        *d++ = char(0x80 | ((cp >> 6) & 0x3F));
+        *d++ = char(0x80 | (cp & 0x3F));
+    } else {
+        *d++ = char(0xF0 | (cp >> 18));
+        *d++ = char(0x80 | ((cp >> 12) & 0x3F));
+        *d++ = char(0x80 | ((cp >> 6) & 0x3F));
+        *d++ = char(0x80 | (cp & 0x3F));
+    }
+    return d;
+}
+
+} // namespace ed

@@ -1,0 +1,68 @@
+#pragma once
+// A document kept as the bytes of its UTF-8 file. Commands that can work on those bytes directly
+// do so instead of decoding the whole file into the model and encoding the result again: on a big
+// file that round trip costs more than most commands. They must give exactly the bytes the round
+// trip would give.
+
+#include "util/TextCodec.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <cstring>
+#include <optional>
+
+namespace ed {
+
+class Utf8Document {
+public:
+    // The document of a file's bytes when decodeText would read them as UTF-8 (with or without a
+    // byte order mark); nothing when it would read them another way. `bytes` must stay valid
+    // while the document lives (a mapped file may be passed without a copy).
+    static std::optional<Utf8Document> fromFile(const QByteArray& bytes);
+
+    // The text after the byte order mark: valid UTF-8 until setText says otherwise.
+    QByteArrayView text() const { return text_; }
+    // Replaces the text; the mark and the line-break style stay.
+    void setText(QByteArray text) { text_ = std::move(text); }
+    // What to write back: the byte order mark (if the file had one) and the text.
+    QByteArray fileBytes() const;
+
+    // The file's line-break style as loading and saving keep it: CR LF when the file has no line
+    // break at all. The text is split into lines at this break, every line of a command's result
+    // ends with it, and the model's lines are exactly these lines. Found on the first call (a
+    // pass over the text that commands without lines do not need), before any setText.
+    LineBreak lineBreak() const;
+    QByteArrayView lineBreakBytes() const;
+
+private:
+    Utf8Document(QByteArray text, bool bom) : text_(std::move(text)), bom_(bom) {}
+
+    QByteArray text_;
+    bool bom_;
+    mutable std::optional<LineBreak> lineBreak_;
+};
+
+// The byte that ends a line of the style (the second of CR LF): every such byte in the text of a
+// Utf8Document is the end of a line break.
+inline char lineEndByte(LineBreak style) {
+    return style == LineBreak::Cr ? '\r' : '\n';
+}
+
+// Calls f(line) for every line of `text` split at breaks of `style`, the last (possibly empty)
+// piece included, as the model's line split gives them. `text` must have no lone LF when the
+// style is CR LF (as the text of a Utf8Document has none).
+template <class F> void forEachUtf8Line(QByteArrayView text, LineBreak style, F&& f) {
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    const char last = lineEndByte(style);
+    const qsizetype before = style == LineBreak::CrLf ? 1 : 0;
+    while (const void* hit = std::memchr(p, last, size_t(end - p))) {
+        const char* e = static_cast<const char*>(hit);
+        f(QByteArrayView(p, e - before - p));
+        p = e + 1;
+    }
+    f(QByteArrayView(p, end - p));
+}
+
+} // namespace ed
