@@ -122,10 +122,15 @@ void writeLine(FILE* f, const QString& line) {
 // document then costs no buffer of its own bytes.
 struct InputBytes {
     QFile file;
+    uchar* mapped = nullptr;
     QByteArray bytes;
 
+    // Closing the file would keep the mapping: it is undone here.
     void release() {
         bytes = QByteArray();
+        if (mapped)
+            file.unmap(mapped);
+        mapped = nullptr;
         file.close();
     }
 };
@@ -142,8 +147,9 @@ bool readInput(const QString& path, InputBytes& in, QString& error) {
     }
     in.file.setFileName(path);
     if (QFileInfo(path).isFile() && in.file.open(QIODevice::ReadOnly) && in.file.size() > 0) {
-        if (const uchar* p = in.file.map(0, in.file.size())) {
-            in.bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(p), in.file.size());
+        if ((in.mapped = in.file.map(0, in.file.size()))) {
+            in.bytes =
+                QByteArray::fromRawData(reinterpret_cast<const char*>(in.mapped), in.file.size());
             return true;
         }
     }
