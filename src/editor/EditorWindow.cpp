@@ -72,6 +72,10 @@ void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
     ctx_->browser = browser_.get();
     ctx_->siteList = siteList_.get();
     ctx_->run = [this](const QString& item) { trigger(item); };
+    ctx_->replaceRangeCancellable = [this](int start, int length, const QString& text) {
+        return edit_->replaceRangeCancellable(*busy_, QStringLiteral("Working on the document..."),
+                                              start, length, text);
+    };
     ctx_->searchQuietly = [this](const QString& text) {
         QString s = text;
         FindText(*ctx_, s, nullptr, true);

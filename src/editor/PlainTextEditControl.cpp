@@ -1,5 +1,7 @@
 #include "editor/PlainTextEditControl.h"
 
+#include "editor/BusyWork.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QEvent>
@@ -11,6 +13,8 @@
 #include <QTextDocument>
 #include <QThread>
 #include <QTimer>
+
+#include <optional>
 
 namespace ed {
 
@@ -346,6 +350,30 @@ void PlainTextEditControl::replaceRange(int start, int length, const QString& re
     cache_ = before;
     cache_.replace(start, length, replacement);
     cacheValid_ = true;
+}
+
+bool PlainTextEditControl::replaceRangeCancellable(BusyWork& busy, const QString& what, int start,
+                                                   int length, const QString& replacement) {
+    const QString before = text();
+    if (before.size() < kLargeText || qsizetype(length) * 2 <= before.size()) {
+        replaceRange(start, length, replacement);
+        return true;
+    }
+    struct Job : BusyToken {
+        std::optional<PreparedDocument> prepared;
+    };
+    auto job = std::make_shared<Job>();
+    QThread* ui = thread();
+    auto work = [job, ui, before, start, length, replacement] {
+        QString after = before;
+        after.replace(start, length, replacement);
+        if (!job->cancelled)
+            job->prepared.emplace(after, ui);
+    };
+    if (!busy.run(what, work, job))
+        return false;
+    adopt(std::move(*job->prepared));
+    return true;
 }
 
 bool PlainTextEditControl::takeUserEdited() {

@@ -22,6 +22,8 @@ class QThread;
 
 namespace ed {
 
+class BusyWork;
+
 // The widget's document for a whole text, built on any thread (a large one is built away from
 // the window's thread) and then shown by PlainTextEditControl::adopt in one quick step.
 class PreparedDocument {
@@ -52,6 +54,12 @@ public:
     void setText(const QString& text) override;
     // Shows a document prepared for a whole text: the same as setText(prepared.text()).
     void adopt(PreparedDocument&& prepared);
+    // replaceRange that builds the new document on a worker under `busy` when the change is
+    // most of a document of at least kLargeText characters. False when the user cancelled:
+    // nothing was changed.
+    bool replaceRangeCancellable(BusyWork& busy, const QString& what, int start, int length,
+                                 const QString& replacement);
+    static constexpr qsizetype kLargeText = qsizetype(1) << 20;
     int textLength() const override;
     int selStart() const override;
     void setSelStart(int start) override;

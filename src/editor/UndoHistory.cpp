@@ -32,6 +32,17 @@ qsizetype commonSuffix(const char16_t* a, const char16_t* b, qsizetype n) {
 
 } // namespace
 
+PackedText::PackedText(QStringView text) : narrow_(QtPrivate::isLatin1(text)) {
+    if (narrow_)
+        latin1_ = text.toLatin1();
+    else
+        wide_ = text.toString();
+}
+
+QString PackedText::unpacked() const {
+    return narrow_ ? QString::fromLatin1(latin1_) : wide_;
+}
+
 CommonEnds commonEnds(QStringView a, QStringView b) {
     const auto* pa = reinterpret_cast<const char16_t*>(a.data());
     const auto* pb = reinterpret_cast<const char16_t*>(b.data());
@@ -51,44 +62,53 @@ void UndoHistory::record(const QString& before, const QString& after) {
     redo_.clear();
     Step step;
     step.offset = e.prefix;
-    step.removed = before.mid(e.prefix, before.size() - e.prefix - e.suffix);
-    step.inserted = after.mid(e.prefix, after.size() - e.prefix - e.suffix);
+    step.removed =
+        PackedText(QStringView(before).mid(e.prefix, before.size() - e.prefix - e.suffix));
+    step.inserted =
+        PackedText(QStringView(after).mid(e.prefix, after.size() - e.prefix - e.suffix));
     stored_ += step.bytes();
     undo_.push_back(std::move(step));
     dropOldest();
 }
 
+std::optional<HistoryChange> UndoHistory::next(bool undo, qsizetype documentLength) {
+    const std::deque<Step>& from = undo ? undo_ : redo_;
+    if (from.empty())
+        return std::nullopt;
+    const Step& step = from.back();
+    const PackedText& now = undo ? step.inserted : step.removed;
+    if (step.offset + now.size() > documentLength) {
+        clear(); // the document was changed behind the history's back
+        return std::nullopt;
+    }
+    return HistoryChange{step.offset, now.size(), (undo ? step.removed : step.inserted).unpacked()};
+}
+
+void UndoHistory::done(bool undo) {
+    std::deque<Step>& from = undo ? undo_ : redo_;
+    std::deque<Step>& to = undo ? redo_ : undo_;
+    if (from.empty())
+        return;
+    to.push_back(std::move(from.back()));
+    from.pop_back();
+}
+
 bool UndoHistory::undo(EditControl& edit) {
-    if (undo_.empty())
-        return false;
-    Step step = std::move(undo_.back());
-    undo_.pop_back();
-    if (!apply(edit, step, step.inserted, step.removed))
-        return false;
-    redo_.push_back(std::move(step));
-    return true;
+    return step(true, edit);
 }
 
 bool UndoHistory::redo(EditControl& edit) {
-    if (redo_.empty())
-        return false;
-    Step step = std::move(redo_.back());
-    redo_.pop_back();
-    if (!apply(edit, step, step.removed, step.inserted))
-        return false;
-    undo_.push_back(std::move(step));
-    return true;
+    return step(false, edit);
 }
 
-bool UndoHistory::apply(EditControl& edit, const Step& step, const QString& from,
-                        const QString& to) {
-    if (step.offset + from.size() > edit.textLength()) {
-        clear();
+bool UndoHistory::step(bool undo, EditControl& edit) {
+    const std::optional<HistoryChange> change = next(undo, edit.textLength());
+    if (!change)
         return false;
-    }
-    edit.replaceRange(int(step.offset), int(from.size()), to);
-    edit.setSelStart(int(step.offset));
+    edit.replaceRange(int(change->offset), int(change->length), change->text);
+    edit.setSelStart(int(change->offset));
     edit.setSelLength(0);
+    done(undo);
     return true;
 }
 

@@ -9,11 +9,36 @@
 
 #include "app/Ports.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <deque>
+#include <optional>
 
 namespace ed {
+
+// Text kept by the history: one byte a character when every character fits in one (most
+// documents), two otherwise.
+class PackedText {
+public:
+    PackedText() = default;
+    explicit PackedText(QStringView text);
+    QString unpacked() const;
+    qsizetype size() const { return narrow_ ? latin1_.size() : wide_.size(); }
+    qsizetype bytes() const { return narrow_ ? latin1_.size() : 2 * wide_.size(); }
+
+private:
+    bool narrow_ = true;
+    QByteArray latin1_;
+    QString wide_;
+};
+
+// What an undo or redo does to the document: `length` units at `offset` become `text`.
+struct HistoryChange {
+    qsizetype offset = 0;
+    qsizetype length = 0;
+    QString text;
+};
 
 class UndoHistory {
 public:
@@ -31,6 +56,13 @@ public:
     bool undo(EditControl& edit);
     bool redo(EditControl& edit);
 
+    // The same in two halves, for a caller that may be stopped in between: the change the next
+    // undo (redo) makes to a document of `documentLength` units, and then, once it was made,
+    // the move of the step. nullopt when there is nothing to do or the document no longer fits
+    // (the history is then emptied).
+    std::optional<HistoryChange> next(bool undo, qsizetype documentLength);
+    void done(bool undo);
+
     bool canUndo() const { return !undo_.empty(); }
     bool canRedo() const { return !redo_.empty(); }
     void clear();
@@ -46,13 +78,12 @@ public:
 private:
     struct Step {
         qsizetype offset = 0;
-        QString removed;  // what `before` held at offset
-        QString inserted; // what `after` holds there
-        qsizetype bytes() const { return 2 * (removed.size() + inserted.size()); }
+        PackedText removed;  // what `before` held at offset
+        PackedText inserted; // what `after` holds there
+        qsizetype bytes() const { return removed.bytes() + inserted.bytes(); }
     };
 
-    // Replaces `from` by `to` at the step's offset if the document still has room for it.
-    bool apply(EditControl& edit, const Step& step, const QString& from, const QString& to);
+    bool step(bool undo, EditControl& edit);
     void dropOldest();
 
     std::deque<Step> undo_;

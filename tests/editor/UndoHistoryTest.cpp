@@ -87,7 +87,7 @@ TEST(UndoHistory, StoresOnlyTheChangedMiddle) {
     pasted.insert(50000, QStringLiteral("PASTE"));
     UndoHistory history;
     history.record(big, pasted);
-    EXPECT_EQ(history.storedBytes(), 10);
+    EXPECT_EQ(history.storedBytes(), 5); // one byte a character that fits in one
 
     CountingBuffer edit(pasted);
     edit.setSelStart(7);
@@ -135,23 +135,23 @@ TEST(UndoHistory, NoStepForNoChangeAndNewStepClearsRedo) {
     history.record("b", "d");
     edit.setText("d");
     EXPECT_FALSE(history.canRedo());
-    EXPECT_EQ(history.storedBytes(), 8); // a->b and b->d, 4 bytes each
+    EXPECT_EQ(history.storedBytes(), 4); // a->b and b->d, 2 bytes each
     ASSERT_TRUE(history.undo(edit));
     ASSERT_TRUE(history.undo(edit));
     EXPECT_EQ(edit.text(), "a");
 }
 
 TEST(UndoHistory, MemoryBoundDropsOldestFirst) {
-    UndoHistory history(40); // bytes: 20 UTF-16 units
+    UndoHistory history(20); // bytes: 20 characters of this text
     TextBuffer edit;
     QString doc;
-    for (const char* add : {"0123", "4567", "89ab", "cdef"}) { // each step costs 8 bytes
+    for (const char* add : {"0123", "4567", "89ab", "cdef"}) { // each step costs 4 bytes
         const QString next = doc + add;
         history.record(doc, next);
         doc = next;
     }
     EXPECT_EQ(history.undoCount(), 4);
-    EXPECT_EQ(history.storedBytes(), 32);
+    EXPECT_EQ(history.storedBytes(), 16);
     history.record(doc, doc + "ghij");
     doc += "ghij";
     history.record(doc, doc + "klmn");
@@ -166,15 +166,28 @@ TEST(UndoHistory, MemoryBoundDropsOldestFirst) {
     EXPECT_EQ(undone, 5);
     EXPECT_EQ(edit.text(), "0123"); // the first step was forgotten
 
-    history.setLimitBytes(16); // undone steps go too when nothing else is left
+    history.setLimitBytes(8); // undone steps go too when nothing else is left
     EXPECT_EQ(history.redoCount(), 2);
     ASSERT_TRUE(history.redo(edit));
     EXPECT_EQ(edit.text(), "01234567");
 
-    history.setLimitBytes(4);
+    history.setLimitBytes(2);
     history.record("x", "a long replacement"); // bigger than the bound: not kept
     EXPECT_FALSE(history.canUndo());
     EXPECT_EQ(history.storedBytes(), 0);
+}
+
+TEST(UndoHistory, TextBeyondOneByteACharacterComesBackExactly) {
+    const QString before = QStringLiteral("caf\u00e9 \u20ac");
+    const QString after = before + QStringLiteral("\U0001F600!") + QChar(0xD800);
+    UndoHistory history;
+    history.record(before, after);
+    EXPECT_EQ(history.storedBytes(), 8); // four UTF-16 units, two bytes each
+    TextBuffer edit(after);
+    ASSERT_TRUE(history.undo(edit));
+    EXPECT_EQ(edit.text(), before);
+    ASSERT_TRUE(history.redo(edit));
+    EXPECT_EQ(edit.text(), after);
 }
 
 TEST(UndoHistory, DocumentChangedBehindItsBackEmptiesIt) {

@@ -249,4 +249,30 @@ TEST_F(WindowTest, LongOpenCanBeCancelledAndLeavesTheDocumentAndItsName) {
     EXPECT_EQ(read("big.txt"), big + "\r\n");
 }
 
+TEST_F(WindowTest, UndoOfALargeStepCanBeCancelled) {
+    QByteArray big;
+    for (int i = 0; i < 80000; ++i)
+        big += "entry number " + QByteArray::number(i) + "\r\n";
+    write("big.txt", big);
+    open(path("big.txt"));
+    const QString before = edit().text();
+    ASSERT_GE(before.size(), PlainTextEditControl::kLargeText);
+    dialogs_.answers = {"> "};
+    run("mnuAddPrefix");
+    const QString prefixed = edit().text();
+    ASSERT_NE(prefixed, before);
+
+    window_->busy().delayMs = 0;
+    window_->busy().showBusy = [](std::function<void()> cancel) { cancel(); };
+    run("mnuUndo");
+    EXPECT_EQ(edit().text(), prefixed);
+    EXPECT_TRUE(window_->menuState().isEnabled("mnuUndo"));
+
+    window_->busy().showBusy = [](std::function<void()>) {};
+    run("mnuUndo");
+    EXPECT_EQ(edit().text(), before);
+    run("mnuRedo");
+    EXPECT_EQ(edit().text(), prefixed);
+}
+
 } // namespace
