@@ -10,6 +10,9 @@
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#endif
 
 namespace ed {
 
@@ -107,6 +110,56 @@ char* putTrimmed(char* d, QByteArrayView a, QByteArrayView b, QByteArrayView c) 
     return d;
 }
 
+#if defined(__x86_64__) || defined(__i386__)
+// For each pattern of spaces among eight bytes (bit k set: byte k is a space), the positions of
+// the other bytes in order (then -1, which a shuffle turns into 0), and how many there are.
+struct KeptBytes {
+    std::array<std::array<qint8, 8>, 256> positions;
+    std::array<quint8, 256> count;
+};
+
+const KeptBytes& keptBytes() {
+    static const KeptBytes table = [] {
+        KeptBytes t{};
+        for (int m = 0; m < 256; ++m) {
+            int k = 0;
+            for (int b = 0; b < 8; ++b)
+                if (!(m & (1 << b)))
+                    t.positions[m][k++] = qint8(b);
+            t.count[m] = quint8(k);
+            for (; k < 8; ++k)
+                t.positions[m][k] = -1;
+        }
+        return t;
+    }();
+    return table;
+}
+
+// Removes the spaces of the whole blocks of sixteen bytes of [s, s + n) into `d` and returns the
+// end of what was written: each block's bytes other than spaces are moved together by one
+// shuffle per half.
+__attribute__((target("ssse3"))) char* removeSpacesShuffled(const char* s, qsizetype n, char* d) {
+    const KeptBytes& kept = keptBytes();
+    const __m128i space = _mm_set1_epi8(' ');
+    const __m128i eight = _mm_set1_epi8(8);
+    for (qsizetype i = 0; i + 16 <= n; i += 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const auto mask = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(v, space)));
+        const unsigned lo = mask & 0xFF, hi = mask >> 8;
+        const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kept.positions[lo]));
+        __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kept.positions[hi]));
+        // -1 plus 8 would name a byte: the unused places keep their top bit.
+        high = _mm_or_si128(_mm_add_epi8(high, eight), _mm_cmplt_epi8(high, _mm_setzero_si128()));
+        const __m128i packed = _mm_shuffle_epi8(v, _mm_unpacklo_epi64(low, high));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(d), packed);
+        d += kept.count[lo];
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(d), _mm_srli_si128(packed, 8));
+        d += kept.count[hi];
+    }
+    return d;
+}
+#endif
+
 } // namespace
 
 QByteArray convertCaseUtf8(QByteArrayView text, bool upper) {
@@ -161,13 +214,23 @@ QByteArray convertCaseUtf8(QByteArrayView text, bool upper) {
 }
 
 QByteArray removeSpacesUtf8(QByteArrayView text) {
-    // Every byte is written and the next one overwrites it if it was a space: no branch to
-    // mispredict on irregular spaces.
     ByteWriter out(text.size());
     char* d = out.room(text.size());
-    for (const char c : text) {
-        *d = c;
-        d += c != ' ';
+    const char* s = text.data();
+    const qsizetype n = text.size();
+    qsizetype i = 0;
+#if defined(__x86_64__) || defined(__i386__)
+    static const bool shuffle = __builtin_cpu_supports("ssse3");
+    if (shuffle) {
+        d = removeSpacesShuffled(s, n, d);
+        i = n - n % 16;
+    }
+#endif
+    // Every byte is written and the next one overwrites it if it was a space: no branch to
+    // mispredict on irregular spaces.
+    for (; i < n; ++i) {
+        *d = s[i];
+        d += s[i] != ' ';
     }
     out.advance(d);
     return std::move(out).finish();
@@ -178,9 +241,9 @@ QByteArray affixLinesUtf8(const Utf8Document& doc, const QString& prefix, const 
     const QByteArray suf = suffix.toUtf8();
     const QByteArrayView br = doc.lineBreakBytes();
     const QByteArrayView text = doc.text();
-    const qsizetype lines =
-        std::count(text.begin(), text.end(), lineEndByte(doc.lineBreak())) + qsizetype(1);
-    ByteWriter out(text.size() + lines * (pre.size() + suf.size()) + br.size());
+    // Room for lines of sixteen bytes on average; more is made when they are shorter.
+    ByteWriter out(text.size() + (text.size() / 16 + 1) * (pre.size() + suf.size() + 1) +
+                   br.size());
     forEachUtf8Line(text, doc.lineBreak(), [&](QByteArrayView line) {
         char* d = out.room(pre.size() + line.size() + suf.size() + br.size());
         d = putTrimmed(d, pre, line, suf);
