@@ -129,7 +129,7 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
         runMenuItem(*decl, *job->ctx);
         // The widget's document for a changed text is built here too, not on the window's thread.
         if (prepare && !job->cancelled && job->doc.text() != job->original)
-            job->prepared.emplace(job->doc.text(), ui);
+            job->prepared.emplace(job->doc.text(), ui, job.get());
     };
     job->original = job->doc.text();
     if (!s_.busy->run(QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),

@@ -32,6 +32,13 @@ bool BusyWork::run(const QString& what, std::function<void()> work,
     QTimer busy;
     busy.setInterval(delayMs);
     QObject::connect(&busy, &QTimer::timeout, [&] {
+        if (progress) {
+            if (const int p = token->percent; p >= 0) {
+                progress->setMaximum(100);
+                progress->setValue(qMin(p, 99));
+            }
+            return;
+        }
         if (token->openDialogs > 0)
             return; // the user is answering a prompt: not busy yet
         busy.stop();
@@ -48,7 +55,9 @@ bool BusyWork::run(const QString& what, std::function<void()> work,
         progress->setMinimumDuration(0);
         QObject::connect(progress.get(), &QProgressDialog::canceled, cancel);
         progress->show();
-        loop.quit(); // from now on the modal indicator guards the window
+        busy.setInterval(100);
+        busy.start(); // from now on it follows the work's progress
+        loop.quit();  // from now on the modal indicator guards the window
     });
     thread->start();
     busy.start();

@@ -21,6 +21,8 @@ struct BusyToken {
     std::atomic<bool> cancelled{false};
     // Prompts the worker has open on the window's thread: no indicator while the user answers.
     std::atomic<int> openDialogs{0};
+    // How far the work got, 0 to 100, when it knows; -1 when it does not.
+    std::atomic<int> percent{-1};
 };
 
 class BusyWork {

@@ -80,6 +80,7 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
         if (!readFileBytes(job->path, job->bytes, job->error))
             return;
         job->read = true;
+        job->percent = 10;
         // RTF fills the widget's own document, on the window's thread.
         if (rtf && looksLikeRtf(job->bytes)) {
             job->isRtf = true;
@@ -87,9 +88,10 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
         }
         job->loaded = decodeDocument(job->bytes, job->path);
         job->bytes = QByteArray();
+        job->percent = 30;
         if (job->cancelled)
             return;
-        job->prepared.emplace(job->loaded.text, ui);
+        job->prepared.emplace(job->loaded.text, ui, job.get());
         job->loaded.text.clear(); // the control holds the text; keep only the format
     };
     if (!busy_->run(QStringLiteral("Opening \"%1\"...").arg(path), work, job))

@@ -265,7 +265,8 @@ void PlainTextEditControl::applyShaping(bool longLines) {
     }
 }
 
-PreparedDocument::PreparedDocument(const QString& model, QThread* owner) : model_(model) {
+PreparedDocument::PreparedDocument(const QString& model, QThread* owner, BusyToken* token)
+    : model_(model) {
     // A text that holds line separators of its own keeps one line per block.
     breaksInBlocks_ = !model.contains(QChar::LineSeparator);
     longLines_ = longestLine(model) > kLongLine;
@@ -274,7 +275,21 @@ PreparedDocument::PreparedDocument(const QString& model, QThread* owner) : model
     // No layout yet: the widget gives the document its own when it shows it.
     doc_ = std::make_unique<QTextDocument>();
     doc_->setUndoRedoEnabled(false);
-    doc_->setPlainText(shown);
+    // In slices, so that a large text reports how far it got and stops soon after a cancel.
+    const int base = token ? qMax(0, token->percent.load()) : 0;
+    constexpr qsizetype kSlice = qsizetype(1) << 20;
+    QTextCursor end(doc_.get());
+    for (qsizetype at = 0; at < shown.size();) {
+        if (token && token->cancelled)
+            break;
+        qsizetype n = qMin(kSlice, shown.size() - at);
+        if (at + n < shown.size() && QChar::isHighSurrogate(shown[at + n - 1].unicode()))
+            ++n; // a surrogate pair stays whole
+        end.insertText(shown.mid(at, n));
+        at += n;
+        if (token)
+            token->percent = base + int((100 - base) * double(at) / double(shown.size()));
+    }
     if (breaksInBlocks_) {
         QTextBlock b = doc_->firstBlock();
         for (size_t i = 0; i < lines_.size() && b.isValid(); ++i, b = b.next())
@@ -368,7 +383,7 @@ bool PlainTextEditControl::replaceRangeCancellable(BusyWork& busy, const QString
         QString after = before;
         after.replace(start, length, replacement);
         if (!job->cancelled)
-            job->prepared.emplace(after, ui);
+            job->prepared.emplace(after, ui, job.get());
     };
     if (!busy.run(what, work, job))
         return false;

@@ -23,13 +23,15 @@ class QThread;
 namespace ed {
 
 class BusyWork;
+struct BusyToken;
 
 // The widget's document for a whole text, built on any thread (a large one is built away from
 // the window's thread) and then shown by PlainTextEditControl::adopt in one quick step.
 class PreparedDocument {
 public:
-    // Builds the document for the model text `model` and hands it to the thread `owner`.
-    PreparedDocument(const QString& model, QThread* owner);
+    // Builds the document for the model text `model` and hands it to the thread `owner`. With
+    // `token`, reports its progress there and stops early when it is cancelled.
+    PreparedDocument(const QString& model, QThread* owner, BusyToken* token = nullptr);
     ~PreparedDocument();
     PreparedDocument(const PreparedDocument&) = delete;
     PreparedDocument& operator=(const PreparedDocument&) = delete;

@@ -1,6 +1,7 @@
 // The edit control holds a whole-text assignment in blocks of several lines. Positions, text and
 // the user's edits must read as if every line were a block of its own.
 
+#include "editor/BusyWork.h"
 #include "editor/PlainTextEditControl.h"
 #include "editor/RtfDocument.h"
 #include "editor/RtfReader.h"
@@ -11,6 +12,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextCursor>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -184,6 +186,27 @@ TEST(EditControlBlocksEdits, TripleClickSelectsOneLine) {
         QApplication::sendEvent(f.widget.viewport(), &e);
     }
     EXPECT_EQ(f.edit.selText(), "line 3\r\n");
+}
+
+} // namespace
+
+namespace {
+
+TEST(PreparedDocumentTest, ReportsProgressAndStopsWhenCancelled) {
+    const QString text = lines(300000); // several slices
+    BusyToken token;
+    token.percent = 30;
+    PreparedDocument whole(text, QThread::currentThread(), &token);
+    EXPECT_EQ(token.percent, 100);
+    Fixture f;
+    f.edit.adopt(std::move(whole));
+    EXPECT_EQ(f.edit.text(), text);
+    f.expectPositionsMatch(text.left(2000));
+
+    BusyToken cancelled;
+    cancelled.cancelled = true;
+    PreparedDocument stopped(text, QThread::currentThread(), &cancelled);
+    EXPECT_EQ(cancelled.percent, -1);
 }
 
 } // namespace
