@@ -87,7 +87,8 @@ bool benchSize(double mb) {
             return false;
         }
     }
-    std::printf("document: %.0f MB, %lld characters\n", mb, (long long)original.size());
+    std::printf("document: %.0f MB, %lld characters, %lld lines\n", mb, (long long)original.size(),
+                (long long)original.count(QStringLiteral("\r\n")));
     StartUpState startUp;
     runStartUp(startUp, dir.path() + QStringLiteral("/Editor"), {});
     startUp.CommandLine = path;
@@ -106,7 +107,8 @@ bool benchSize(double mb) {
             while (at < got.size() && at < expected.size() && got[at] == expected[at])
                 ++at;
             std::printf("  RESULT WRONG after %s at %lld: [%s] instead of [%s]\n", what,
-                        (long long)at, qPrintable(got.mid(at, 20)), qPrintable(expected.mid(at, 20)));
+                        (long long)at, qPrintable(got.mid(at, 20)),
+                        qPrintable(expected.mid(at, 20)));
             ok = false;
         }
     };
