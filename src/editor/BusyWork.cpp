@@ -15,7 +15,7 @@ BusyWork::~BusyWork() {
 }
 
 bool BusyWork::run(const QString& what, std::function<void()> work,
-                   const std::shared_ptr<BusyToken>& token) {
+                   const std::shared_ptr<BusyToken>& token, bool cancellable) {
     // Workers of cancelled work that have finished since are let go.
     std::erase_if(threads_, [](const std::unique_ptr<QThread>& t) { return t->isFinished(); });
     threads_.emplace_back(QThread::create(std::move(work)));
@@ -23,7 +23,9 @@ bool BusyWork::run(const QString& what, std::function<void()> work,
 
     QEventLoop loop;
     QObject::connect(thread, &QThread::finished, &loop, &QEventLoop::quit);
-    auto cancel = [token, &loop] {
+    auto cancel = [token, &loop, cancellable] {
+        if (!cancellable)
+            return;
         token->cancelled = true;
         loop.quit();
     };
@@ -53,7 +55,10 @@ bool BusyWork::run(const QString& what, std::function<void()> work,
         progress->setWindowTitle(defaultTitle());
         progress->setWindowModality(Qt::WindowModal);
         progress->setMinimumDuration(0);
-        QObject::connect(progress.get(), &QProgressDialog::canceled, cancel);
+        if (cancellable)
+            QObject::connect(progress.get(), &QProgressDialog::canceled, cancel);
+        else
+            progress->setCancelButton(nullptr);
         progress->show();
         busy.setInterval(100);
         busy.start(); // from now on it follows the work's progress

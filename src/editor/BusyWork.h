@@ -36,9 +36,10 @@ public:
     // cancelled. `work` must own (or share) everything it touches: after a cancel it outlives
     // this call.
     bool run(const QString& what, std::function<void()> work,
-             const std::shared_ptr<BusyToken>& token);
+             const std::shared_ptr<BusyToken>& token, bool cancellable = true);
 
-    // Shows the busy indicator; tests replace it to press Cancel.
+    // Shows the busy indicator; tests replace it to press Cancel (which does nothing for work
+    // that cannot be cancelled).
     std::function<void(std::function<void()> cancel)> showBusy;
     int delayMs = 500;
 

@@ -44,6 +44,7 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     setCentralWidget(text_);
     edit_ = new PlainTextEditControl(text_);
     busy_ = std::make_unique<BusyWork>(this);
+    edit_->setBusyWork(busy_.get());
     files_ = std::make_unique<WidgetDocumentFiles>(*edit_, busy_.get());
     history_ = std::make_unique<UndoHistory>();
     background_ = std::make_unique<BackgroundCommands>(BackgroundCommands::Services{

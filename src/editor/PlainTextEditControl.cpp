@@ -305,7 +305,19 @@ PreparedDocument::~PreparedDocument() {
 }
 
 void PlainTextEditControl::setText(const QString& text) {
-    adopt(PreparedDocument(text, thread()));
+    if (!busy_ || text.size() < kLargeText || QThread::currentThread() != thread()) {
+        adopt(PreparedDocument(text, thread()));
+        return;
+    }
+    struct Job : BusyToken {
+        std::optional<PreparedDocument> prepared;
+    };
+    auto job = std::make_shared<Job>();
+    QThread* ui = thread();
+    busy_->run(
+        QStringLiteral("Showing the document..."),
+        [job, ui, text] { job->prepared.emplace(text, ui, job.get()); }, job, false);
+    adopt(std::move(*job->prepared));
 }
 
 void PlainTextEditControl::adopt(PreparedDocument&& prepared) {

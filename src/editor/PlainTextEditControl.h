@@ -62,6 +62,9 @@ public:
     bool replaceRangeCancellable(BusyWork& busy, const QString& what, int start, int length,
                                  const QString& replacement);
     static constexpr qsizetype kLargeText = qsizetype(1) << 20;
+    // With `busy`, setText of a large text builds the document on a worker under a busy
+    // indicator (without Cancel: the assignment is part of a command that has to finish).
+    void setBusyWork(BusyWork* busy) { busy_ = busy; }
     int textLength() const override;
     int selStart() const override;
     void setSelStart(int start) override;
@@ -106,6 +109,7 @@ private:
     bool rich_ = false;
     // A QChar::LineSeparator in the widget is a line break of the model (the text had none).
     bool breaksInBlocks_ = false;
+    BusyWork* busy_ = nullptr;
     bool lineCountsPending_ = false;
     QElapsedTimer doubleClick_;
     QPoint doubleClickAt_;

@@ -275,4 +275,22 @@ TEST_F(WindowTest, UndoOfALargeStepCanBeCancelled) {
     EXPECT_EQ(edit().text(), prefixed);
 }
 
+TEST_F(WindowTest, LargeResultOfAWindowCommandShowsTheBusyIndicator) {
+    QByteArray big;
+    for (int i = 0; i < 80000; ++i)
+        big += "entry abc " + QByteArray::number(i) + "\r\n";
+    write("big.txt", big);
+    open(path("big.txt"));
+    int shown = 0;
+    window_->busy().delayMs = 0;
+    window_->busy().showBusy = [&](std::function<void()> cancel) {
+        ++shown;
+        cancel(); // an assignment that is part of a command cannot be cancelled
+    };
+    dialogs_.answers = {"abc", "xyz"};
+    run("mnuReplace");
+    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(edit().text(), QString::fromLatin1(big).replace("abc", "xyz"));
+}
+
 } // namespace
