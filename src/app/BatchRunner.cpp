@@ -172,10 +172,11 @@ std::optional<Utf8Document> directDocument(const BatchOptions& o, const QByteArr
                                            Utf8Handler& handler) {
     if (!o.directUtf8 || o.steps.size() != 1 || o.report || o.steps[0].hasSelect)
         return std::nullopt;
-    handler = findUtf8Handler(findByBatchName(o.steps[0].item)->handler);
-    if (!handler)
+    const Utf8Command* command = findUtf8Command(findByBatchName(o.steps[0].item)->handler);
+    if (!command)
         return std::nullopt;
-    return Utf8Document::fromFile(bytes);
+    handler = command->run;
+    return Utf8Document::fromFile(bytes, command->usesLines);
 }
 
 // Runs the bytes version of an item under the item's error trap, as runMenuItem runs it.

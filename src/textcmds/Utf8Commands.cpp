@@ -9,21 +9,21 @@
 
 namespace ed {
 
-Utf8Handler findUtf8Handler(Handler handler) {
-    static const std::pair<Handler, Utf8Handler> kVersions[] = {
-        {mnuConvertToUpperCase_Click, mnuConvertToUpperCase_Utf8},
-        {mnuConvertToLowerCase_Click, mnuConvertToLowerCase_Utf8},
-        {mnuRemoveAllSpaces_Click, mnuRemoveAllSpaces_Utf8},
-        {mnuAddPrefix_Click, mnuAddPrefix_Utf8},
-        {mnuAddSuffix_Click, mnuAddSuffix_Utf8},
-        {mnuRemoveLinesContainingText_Click, mnuRemoveLinesContainingText_Utf8},
-        {mnuRemoveLinesNotContainingText_Click, mnuRemoveLinesNotContainingText_Utf8},
+const Utf8Command* findUtf8Command(Handler handler) {
+    static const std::pair<Handler, Utf8Command> kVersions[] = {
+        {mnuConvertToUpperCase_Click, {mnuConvertToUpperCase_Utf8, false}},
+        {mnuConvertToLowerCase_Click, {mnuConvertToLowerCase_Utf8, false}},
+        {mnuRemoveAllSpaces_Click, {mnuRemoveAllSpaces_Utf8, false}},
+        {mnuAddPrefix_Click, {mnuAddPrefix_Utf8, true}},
+        {mnuAddSuffix_Click, {mnuAddSuffix_Utf8, true}},
+        {mnuRemoveLinesContainingText_Click, {mnuRemoveLinesContainingText_Utf8, true}},
+        {mnuRemoveLinesNotContainingText_Click, {mnuRemoveLinesNotContainingText_Utf8, true}},
     };
     if (!handler)
         return nullptr;
     for (const auto& [model, bytes] : kVersions)
         if (model == handler)
-            return bytes;
+            return &bytes;
     return nullptr;
 }
 

@@ -11,7 +11,12 @@ namespace ed {
 
 using Utf8Handler = void (*)(CommandContext& ctx, Utf8Document& doc);
 
+struct Utf8Command {
+    Utf8Handler run;
+    bool usesLines; // works line by line (the document's line break is wanted up front)
+};
+
 // The bytes version of the command whose handler is `handler`; nullptr when it has none.
-Utf8Handler findUtf8Handler(Handler handler);
+const Utf8Command* findUtf8Command(Handler handler);
 
 } // namespace ed

@@ -92,30 +92,39 @@ private:
 // The first place at or after `from` where `pattern` (not empty) occurs in `text`, or -1.
 qsizetype find(QByteArrayView text, QByteArrayView pattern, qsizetype from) {
     const char* h = text.data();
+    const char* q = pattern.data();
     const qsizetype n = text.size();
     const qsizetype m = pattern.size();
+    auto matchesAt = [&](qsizetype at) {
+        for (qsizetype k = 1; k < m - 1; ++k)
+            if (h[at + k] != q[k])
+                return false;
+        return true;
+    };
     qsizetype i = from;
 #ifdef __SSE2__
-    // Sixteen places at a time are tested for the pattern's first and last byte; only where
-    // both are right is the rest compared.
-    const __m128i first = _mm_set1_epi8(pattern[0]);
-    const __m128i last = _mm_set1_epi8(pattern[m - 1]);
+    // Sixteen places at a time are tested for the pattern's first, second and last byte; only
+    // where all three are right is the rest compared.
+    const __m128i first = _mm_set1_epi8(q[0]);
+    const __m128i second = _mm_set1_epi8(q[m > 1 ? 1 : 0]);
+    const __m128i last = _mm_set1_epi8(q[m - 1]);
+    const qsizetype secondAt = m > 1 ? 1 : 0;
     for (; i + m - 1 + 16 <= n; i += 16) {
-        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i));
-        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + m - 1));
-        auto mask = unsigned(
-            _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
+        auto at = [&](qsizetype k, __m128i c) {
+            return _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(h + i + k)), c);
+        };
+        auto mask = unsigned(_mm_movemask_epi8(
+            _mm_and_si128(_mm_and_si128(at(0, first), at(secondAt, second)), at(m - 1, last))));
         while (mask) {
             const int bit = __builtin_ctz(mask);
-            if (std::memcmp(h + i + bit + 1, pattern.data() + 1, size_t(m - 2 > 0 ? m - 2 : 0)) ==
-                0)
+            if (matchesAt(i + bit))
                 return i + bit;
             mask &= mask - 1;
         }
     }
 #endif
     for (; i + m <= n; ++i)
-        if (h[i] == pattern[0] && std::memcmp(h + i, pattern.data(), size_t(m)) == 0)
+        if (h[i] == q[0] && h[i + m - 1] == q[m - 1] && matchesAt(i))
             return i;
     return -1;
 }

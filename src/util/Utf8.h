@@ -8,6 +8,9 @@ namespace ed {
 // Whether [p, p + n) is UTF-8 as the text decoder accepts it: no overlong forms, no surrogates,
 // nothing past U+10FFFF, no sequence cut short.
 bool isValidUtf8(const char* p, qsizetype n);
+// The same one sequence at a time, for processors without the vector instructions isValidUtf8
+// uses (and to check it against).
+bool isValidUtf8Plain(const char* p, qsizetype n);
 
 // The character starting at `s` in valid UTF-8; `len` gets its length in bytes.
 inline char32_t decodeUtf8At(const unsigned char* s, int& len) {

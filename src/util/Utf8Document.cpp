@@ -10,27 +10,29 @@ namespace ed {
 
 namespace {
 
-// The style decodeText finds in the text, except that a text without any break gets CR LF (as
-// a document without a line break is written back).
-LineBreak detectLineBreak(const char* p, qsizetype n) {
-    if (n > 0 && p[0] == '\n')
-        return LineBreak::Lf;
-    bool lf = false;
-    bool cr = false;
-    qsizetype i = 1;
+// Finds the style decodeText finds in a text, a piece at a time, except that a text without any
+// break gets CR LF (as a document without a line break is written back).
+class LineBreakScan {
+public:
+    // Looks at [from, to) of the text at `p` (and at the byte before `from`).
+    void add(const char* p, qsizetype from, qsizetype to) {
+        if (lone_)
+            return;
+        qsizetype i = from;
+        if (i == 0 && i < to) {
+            lone_ = p[0] == '\n';
+            cr_ = p[0] == '\r';
+            ++i;
+        }
 #ifdef __SSE2__
-    // Sixteen bytes at a time, each compared with the one before it: an LF not after a CR is a
-    // lone one.
-    // Without a branch per block: line breaks come too irregularly to predict. A lone LF is
-    // looked for after every 4 KB.
-    const __m128i newline = _mm_set1_epi8('\n');
-    const __m128i ret = _mm_set1_epi8('\r');
-    __m128i anyCr = _mm_setzero_si128();
-    __m128i anyLf = _mm_setzero_si128();
-    __m128i lone = _mm_setzero_si128();
-    while (i + 16 <= n) {
-        const qsizetype stop = qMin(n - 15, i + 4096);
-        for (; i < stop; i += 16) {
+        // Sixteen bytes at a time, each compared with the one before it: an LF not after a CR is
+        // a lone one. Without a branch per block: line breaks come too irregularly to predict.
+        const __m128i newline = _mm_set1_epi8('\n');
+        const __m128i ret = _mm_set1_epi8('\r');
+        __m128i anyCr = _mm_setzero_si128();
+        __m128i anyLf = _mm_setzero_si128();
+        __m128i lone = _mm_setzero_si128();
+        for (; i + 16 <= to; i += 16) {
             const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
             const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i - 1));
             const __m128i lfs = _mm_cmpeq_epi8(v, newline);
@@ -38,30 +40,38 @@ LineBreak detectLineBreak(const char* p, qsizetype n) {
             anyLf = _mm_or_si128(anyLf, lfs);
             lone = _mm_or_si128(lone, _mm_andnot_si128(_mm_cmpeq_epi8(before, ret), lfs));
         }
-        if (_mm_movemask_epi8(lone) != 0)
-            return LineBreak::Lf;
-    }
-    cr = _mm_movemask_epi8(anyCr) != 0;
-    lf = _mm_movemask_epi8(anyLf) != 0;
+        lone_ = lone_ || _mm_movemask_epi8(lone) != 0;
+        cr_ = cr_ || _mm_movemask_epi8(anyCr) != 0;
+        lf_ = lf_ || _mm_movemask_epi8(anyLf) != 0;
 #endif
-    for (; i < n; ++i) {
-        if (p[i] == '\n') {
-            if (p[i - 1] != '\r')
-                return LineBreak::Lf;
-            lf = true;
+        for (; i < to; ++i) {
+            if (p[i] == '\n') {
+                lone_ = lone_ || p[i - 1] != '\r';
+                lf_ = true;
+            }
+            cr_ = cr_ || p[i] == '\r';
         }
-        cr = cr || p[i] == '\r';
     }
-    if (lf)
+
+    LineBreak result() const {
+        if (lone_)
+            return LineBreak::Lf;
+        if (lf_)
+            return LineBreak::CrLf;
+        if (cr_)
+            return LineBreak::Cr;
         return LineBreak::CrLf;
-    if (cr || (n > 0 && p[0] == '\r'))
-        return LineBreak::Cr;
-    return LineBreak::CrLf;
-}
+    }
+
+private:
+    bool lone_ = false;
+    bool lf_ = false;
+    bool cr_ = false;
+};
 
 } // namespace
 
-std::optional<Utf8Document> Utf8Document::fromFile(const QByteArray& bytes) {
+std::optional<Utf8Document> Utf8Document::fromFile(const QByteArray& bytes, bool findLineBreak) {
     const char* p = bytes.constData();
     qsizetype n = bytes.size();
     const bool bom = n >= 3 && uchar(p[0]) == 0xEF && uchar(p[1]) == 0xBB && uchar(p[2]) == 0xBF;
@@ -69,14 +79,30 @@ std::optional<Utf8Document> Utf8Document::fromFile(const QByteArray& bytes) {
         p += 3;
         n -= 3;
     }
-    if (!isValidUtf8(p, n))
-        return std::nullopt;
-    return Utf8Document(QByteArray::fromRawData(p, n), bom);
+    // Checked and scanned for line breaks a piece at a time, each piece once while it is in the
+    // cache. A piece ends before an ASCII byte, so no sequence spans two.
+    constexpr qsizetype kPiece = 64 * 1024;
+    LineBreakScan breaks;
+    for (qsizetype from = 0; from < n;) {
+        qsizetype to = qMin(n, from + kPiece);
+        while (to < n && uchar(p[to]) >= 0x80)
+            ++to;
+        if (!isValidUtf8(p + from, to - from))
+            return std::nullopt;
+        if (findLineBreak)
+            breaks.add(p, from, to);
+        from = to;
+    }
+    return Utf8Document(QByteArray::fromRawData(p, n), bom,
+                        findLineBreak ? std::optional(breaks.result()) : std::nullopt);
 }
 
 LineBreak Utf8Document::lineBreak() const {
-    if (!lineBreak_)
-        lineBreak_ = detectLineBreak(text_.constData(), text_.size());
+    if (!lineBreak_) {
+        LineBreakScan breaks;
+        breaks.add(text_.constData(), 0, text_.size());
+        lineBreak_ = breaks.result();
+    }
     return *lineBreak_;
 }
 

@@ -22,8 +22,10 @@ class Utf8Document {
 public:
     // The document of a file's bytes when decodeText would read them as UTF-8 (with or without a
     // byte order mark); nothing when it would read them another way. `bytes` must stay valid
-    // while the document lives (a mapped file may be passed without a copy).
-    static std::optional<Utf8Document> fromFile(const QByteArray& bytes);
+    // while the document lives (a mapped file may be passed without a copy). The line-break
+    // style is found in the same pass when `findLineBreak` is set, else on the first call of
+    // lineBreak().
+    static std::optional<Utf8Document> fromFile(const QByteArray& bytes, bool findLineBreak = true);
 
     // The text after the byte order mark: valid UTF-8 until setText says otherwise.
     QByteArrayView text() const { return text_; }
@@ -34,13 +36,14 @@ public:
 
     // The file's line-break style as loading and saving keep it: CR LF when the file has no line
     // break at all. The text is split into lines at this break, every line of a command's result
-    // ends with it, and the model's lines are exactly these lines. Found on the first call (a
-    // pass over the text that commands without lines do not need), before any setText.
+    // ends with it, and the model's lines are exactly these lines. Not to be called after
+    // setText unless it was found before.
     LineBreak lineBreak() const;
     QByteArrayView lineBreakBytes() const;
 
 private:
-    Utf8Document(QByteArray text, bool bom) : text_(std::move(text)), bom_(bom) {}
+    Utf8Document(QByteArray text, bool bom, std::optional<LineBreak> lineBreak)
+        : text_(std::move(text)), bom_(bom), lineBreak_(lineBreak) {}
 
     QByteArray text_;
     bool bom_;

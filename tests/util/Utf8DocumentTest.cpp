@@ -29,19 +29,36 @@ TEST(Utf8Check, AcceptsExactlyWhatTheDecoderReadsAsUtf8) {
         const bool utf8 = f.encoding == Encoding::Utf8 || f.encoding == Encoding::Utf8Bom;
         EXPECT_EQ(Utf8Document::fromFile(b).has_value(), utf8) << b.toHex().constData();
     }
-    // Random bytes, mostly ASCII with some of every kind of lead and continuation byte.
+    // Random bytes, mostly ASCII with some of every kind of lead and continuation byte, long
+    // enough for faults to fall on every place of the sixteen-byte blocks and across them. The
+    // vector check and the plain one must both agree with the decoder.
     std::mt19937 random(7);
     const unsigned char other[] = {0x80, 0x9F, 0xA0, 0xBF, 0xC2, 0xDF, 0xE0,
                                    0xED, 0xEF, 0xF0, 0xF4, 0xF5, 0xC0, 0xFF};
-    for (int round = 0; round < 3000; ++round) {
+    const QByteArray valid[] = {"\xC3\xA9",        "\xE2\x82\xAC",     "\xF0\x9F\x98\x80",
+                                "\xED\x9F\xBF",    "\xF4\x8F\xBF\xBF", "\xE0\xA0\x80",
+                                "\xF0\x90\x80\x80"};
+    for (int round = 0; round < 20000; ++round) {
         QByteArray b;
-        const int n = int(random() % 80);
-        for (int i = 0; i < n; ++i)
-            b += random() % 4 ? char('a' + random() % 26) : char(other[random() % sizeof other]);
+        const int n = int(random() % 200);
+        while (b.size() < n)
+            if (random() % 3)
+                b += char('a' + random() % 26);
+            else
+                b += valid[random() % std::size(valid)];
+        // Half of them get one stray byte, or lose one, somewhere.
+        if (!b.isEmpty() && round % 2) {
+            const qsizetype at = qsizetype(random() % quint32(b.size()));
+            if (random() % 4)
+                b.insert(at, char(other[random() % sizeof other]));
+            else
+                b.remove(at, 1);
+        }
         TextFormat f;
         decodeText(b, &f);
-        ASSERT_EQ(isValidUtf8(b.constData(), b.size()), f.encoding == Encoding::Utf8)
-            << b.toHex().constData();
+        const bool utf8 = f.encoding == Encoding::Utf8;
+        ASSERT_EQ(isValidUtf8(b.constData(), b.size()), utf8) << b.toHex().constData();
+        ASSERT_EQ(isValidUtf8Plain(b.constData(), b.size()), utf8) << b.toHex().constData();
     }
 }
 
@@ -61,11 +78,17 @@ TEST(Utf8Check, FindsTheLineBreakTheDecoderFinds) {
         {"", LineBreak::CrLf},
         {QByteArray(40, 'x') + "\r\n" + QByteArray(5000, 'y') + "\n", LineBreak::Lf},
         {QByteArray(5000, 'y') + "\r\n" + QByteArray(17, 'z') + "\r", LineBreak::CrLf},
+        // A break across the 64 KB pieces the scan takes, and a lone LF starting one.
+        {QByteArray(65535, 'x') + "\r\ny", LineBreak::CrLf},
+        {QByteArray(65536, 'x') + "\nx\r\n", LineBreak::Lf},
+        {QByteArray(65535, 'x') + "\r" + QByteArray(65536, 'x'), LineBreak::Cr},
     };
     for (const auto& c : cases) {
-        const auto doc = Utf8Document::fromFile(c.bytes);
-        ASSERT_TRUE(doc);
-        EXPECT_EQ(doc->lineBreak(), c.expected) << c.bytes.left(20).constData();
+        for (const bool withCheck : {true, false}) {
+            const auto doc = Utf8Document::fromFile(c.bytes, withCheck);
+            ASSERT_TRUE(doc);
+            EXPECT_EQ(doc->lineBreak(), c.expected) << c.bytes.left(20).constData() << withCheck;
+        }
     }
     // A lone LF anywhere in a block, with CR LF all around.
     for (int at = 0; at < 40; ++at) {
