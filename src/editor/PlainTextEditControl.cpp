@@ -309,15 +309,26 @@ void PlainTextEditControl::setText(const QString& text) {
         adopt(PreparedDocument(text, thread()));
         return;
     }
+    adoptFromWorker(
+        *busy_, QStringLiteral("Showing the document..."), [text] { return text; }, false);
+}
+
+bool PlainTextEditControl::adoptFromWorker(BusyWork& busy, const QString& what,
+                                           std::function<QString()> makeText, bool cancellable) {
     struct Job : BusyToken {
         std::optional<PreparedDocument> prepared;
     };
     auto job = std::make_shared<Job>();
     QThread* ui = thread();
-    busy_->run(
-        QStringLiteral("Showing the document..."),
-        [job, ui, text] { job->prepared.emplace(text, ui, job.get()); }, job, false);
+    auto work = [job, ui, makeText = std::move(makeText)] {
+        const QString text = makeText();
+        if (!job->cancelled)
+            job->prepared.emplace(text, ui, job.get());
+    };
+    if (!busy.run(what, work, job, cancellable))
+        return false;
     adopt(std::move(*job->prepared));
+    return true;
 }
 
 void PlainTextEditControl::adopt(PreparedDocument&& prepared) {
@@ -386,21 +397,13 @@ bool PlainTextEditControl::replaceRangeCancellable(BusyWork& busy, const QString
         replaceRange(start, length, replacement);
         return true;
     }
-    struct Job : BusyToken {
-        std::optional<PreparedDocument> prepared;
-    };
-    auto job = std::make_shared<Job>();
-    QThread* ui = thread();
-    auto work = [job, ui, before, start, length, replacement] {
-        QString after = before;
-        after.replace(start, length, replacement);
-        if (!job->cancelled)
-            job->prepared.emplace(after, ui, job.get());
-    };
-    if (!busy.run(what, work, job))
-        return false;
-    adopt(std::move(*job->prepared));
-    return true;
+    return adoptFromWorker(
+        busy, what,
+        [before, start, length, replacement] {
+            QString after = before;
+            return after.replace(start, length, replacement);
+        },
+        true);
 }
 
 bool PlainTextEditControl::takeUserEdited() {

@@ -13,6 +13,7 @@
 #include <QObject>
 #include <QPoint>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -91,6 +92,10 @@ public:
 
 private:
     void applyShaping(bool longLines);
+    // Builds the document for the text `makeText` gives on a worker under `busy` and shows it.
+    // False when the user cancelled.
+    bool adoptFromWorker(BusyWork& busy, const QString& what, std::function<QString()> makeText,
+                         bool cancellable);
     void watchDocument();
     void contentsChanged(int from, int added);
     // Model line breaks before the start of the block numbered `block`.
