@@ -3,8 +3,13 @@
 #include "textcmds/CaseMapping.h"
 #include "textcmds/Framework.h"
 #include "textcmds/Utf8Transforms.h"
+#include "util/HugePages.h"
 
 #include <type_traits>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace ed {
 
@@ -99,13 +104,14 @@ bool isWordBoundary(char32_t c) {
     return QChar::isSpace(c);
 }
 
-// Full case conversion in one pass: blocks of ASCII characters by a simple loop, every other
+// Full case conversion in one pass: runs of ASCII characters eight at a time, every other
 // character by its full mapping, so the text grows without being copied again where a character
 // maps to more than one.
 QString convertCase(QStringView s, bool upper) {
     const qsizetype n = s.size();
     const QChar* in = s.data();
     QString out(n, Qt::Uninitialized);
+    adviseHugePages(out.constData(), size_t(n) * sizeof(QChar));
     QChar* d = out.data();
     qsizetype o = 0;
     CaseMapping mapping(upper);
@@ -116,24 +122,42 @@ QString convertCase(QStringView s, bool upper) {
         }
     };
     const char16_t* raw = s.utf16();
-    for (qsizetype i = 0; i < n; ++i) {
-        if (n - i >= kBlock && asciiBlock(raw + i)) {
-            room(kBlock);
-            char16_t* w = reinterpret_cast<char16_t*>(d + o);
-            if (upper)
-                for (qsizetype k = 0; k < kBlock; ++k)
-                    w[k] = asciiUpper(raw[i + k]);
-            else
-                for (qsizetype k = 0; k < kBlock; ++k)
-                    w[k] = asciiLower(raw[i + k]);
-            o += kBlock;
-            i += kBlock - 1;
-            continue;
+    const char16_t first = upper ? u'a' : u'A';
+    qsizetype i = 0;
+    while (i < n) {
+#ifdef __SSE2__
+        // The letters of the other case get their 0x20 bit flipped. All eight are written; only
+        // the ASCII ones before the first other character count.
+        const __m128i before = _mm_set1_epi16(short(first - 1));
+        const __m128i after = _mm_set1_epi16(short(first + 26));
+        const __m128i caseBit = _mm_set1_epi16(0x20);
+        const __m128i nonAscii = _mm_set1_epi16(short(0xFF80));
+        while (n - i >= 8) {
+            room(8);
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(raw + i));
+            const __m128i letter =
+                _mm_and_si128(_mm_cmpgt_epi16(v, before), _mm_cmplt_epi16(v, after));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + o),
+                             _mm_xor_si128(v, _mm_and_si128(letter, caseBit)));
+            const auto ascii = unsigned(_mm_movemask_epi8(
+                _mm_cmpeq_epi16(_mm_and_si128(v, nonAscii), _mm_setzero_si128())));
+            if (ascii != 0xFFFF) {
+                const int k = __builtin_ctz(~ascii) / 2;
+                o += k;
+                i += k;
+                break;
+            }
+            o += 8;
+            i += 8;
         }
+#endif
+        if (i >= n)
+            break;
         const QChar c = in[i];
         if (c.unicode() < 0x80) {
             room(1);
             d[o++] = QChar(char16_t(upper ? upperOf(c.unicode()) : lowerOf(c.unicode())));
+            ++i;
             continue;
         }
         char32_t cp = c.unicode();
@@ -146,7 +170,7 @@ QString convertCase(QStringView s, bool upper) {
         room(full.size());
         for (QChar f : full)
             d[o++] = f;
-        i += units - 1;
+        i += units;
     }
     out.truncate(o);
     return out;

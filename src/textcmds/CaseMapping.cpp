@@ -2,7 +2,7 @@
 
 namespace ed {
 
-QStringView CaseMapping::map(char32_t cp) {
+QStringView CaseMapping::work(char32_t cp) {
     const char32_t simple = upper_ ? QChar::toUpper(cp) : QChar::toLower(cp);
     const QChar::Category cat = QChar::category(cp);
     const bool mayExpand =
