@@ -1,7 +1,11 @@
 #include "support/Fakes.h"
 
 #include "editor/MenuTable.h"
+#include "web/WaitLoop.h"
 
+#include <QFile>
+#include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -52,9 +56,8 @@ StartUpState testStartUp() {
 
 Harness::Harness(const QString& text)
     : edit(text), window(), startUp(testStartUp()),
-      ctx(edit,  dialogs, clipboard, AppSettings(settings, startUp.RegKeyAppName),
-          log,   clock,   launcher,  menu,
-          util,  form,    window,    startUp) {
+      ctx(edit, dialogs, clipboard, AppSettings(settings, startUp.RegKeyAppName), log, clock,
+          launcher, menu, util, form, window, startUp) {
     ctx.run = [this](const QString& item) { run(item); };
 }
 
@@ -80,6 +83,51 @@ QString makeTempDir() {
     static std::vector<std::unique_ptr<QTemporaryDir>> dirs;
     dirs.push_back(std::make_unique<QTemporaryDir>());
     return dirs.back()->path();
+}
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
+        throw std::runtime_error("cannot write " + path.toStdString());
+}
+
+QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
+
+BatchRun runBatch(const QStringList& args, const QByteArray& document,
+                  const QMap<QString, QString>& settings) {
+    const QString dir = makeTempDir();
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_CONFIG_HOME", dir + "/config");
+    env.insert("LOGFILES", dir + "/logs");
+    auto run = [&](const QStringList& arguments) {
+        QProcess p;
+        p.setProcessEnvironment(env);
+        p.start(qEnvironmentVariable("EDITOR_BIN"), arguments);
+        BatchRun r;
+        if (!p.waitForStarted(30000))
+            return r;
+        web::waitUntil([&] { return p.state() == QProcess::NotRunning; }, 60000, 20);
+        if (p.state() != QProcess::NotRunning) {
+            p.kill();
+            p.waitForFinished(5000);
+            return r;
+        }
+        r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+        r.out = p.readAllStandardOutput();
+        r.report = QString::fromUtf8(p.readAllStandardError()).split(u'\n', Qt::SkipEmptyParts);
+        return r;
+    };
+    if (!settings.isEmpty()) {
+        QSettings stored(QString::fromUtf8(run({"--settings-path"}).out.trimmed()),
+                         QSettings::IniFormat);
+        for (auto it = settings.begin(); it != settings.end(); ++it)
+            stored.setValue(it.key(), it.value());
+    }
+    writeFile(dir + "/doc.txt", document);
+    return run(args + QStringList{dir + "/doc.txt"});
 }
 
 } // namespace ed::test

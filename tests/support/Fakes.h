@@ -16,7 +16,9 @@
 inline std::ostream& operator<<(std::ostream& os, const QString& s) {
     return os << '"' << s.toStdString() << '"';
 }
-inline void PrintTo(const QString& s, std::ostream* os) { *os << s; }
+inline void PrintTo(const QString& s, std::ostream* os) {
+    *os << s;
+}
 
 namespace ed::test {
 
@@ -104,23 +106,16 @@ public:
     void close() override { ++closed; }
 };
 
-// Open/save/font/folder dialogs answered from queues; empty queue = Cancel.
+// Open and save dialogs answered from queues (empty queue = Cancel); font and folder dialogs
+// are cancelled.
 class FakeFileDialogs : public FileDialogs {
 public:
     std::deque<FileDialogResult> openAnswers, saveAnswers;
-    std::deque<QString> folderAnswers;
-    FontSpec font;
     std::vector<FileDialogRequest> requests;
     FileDialogResult showOpen(const FileDialogRequest& r) override { return next(r, openAnswers); }
     FileDialogResult showSave(const FileDialogRequest& r) override { return next(r, saveAnswers); }
-    FontSpec showFont(const FontSpec&) override { return font; }
-    QString showFolder(const QString&, const QString&) override {
-        if (folderAnswers.empty())
-            return QString();
-        QString a = folderAnswers.front();
-        folderAnswers.pop_front();
-        return a;
-    }
+    FontSpec showFont(const FontSpec& f) override { return f; }
+    QString showFolder(const QString&, const QString&) override { return {}; }
 
 private:
     FileDialogResult next(const FileDialogRequest& r, std::deque<FileDialogResult>& q) {
@@ -162,5 +157,20 @@ struct Harness {
 
 // A folder removed at the end of the test.
 QString makeTempDir();
+
+// Whole files of a test; readFile gives "<missing>" for a file that cannot be read.
+void writeFile(const QString& path, const QByteArray& bytes);
+QByteArray readFile(const QString& path);
+
+// The program's batch mode (EDITOR_BIN) on a file holding `document`, with settings and logs in a
+// folder of their own and `settings` ("section/key" -> value) stored first. The event loop runs
+// while it works, so a test's own servers keep answering.
+struct BatchRun {
+    int exitCode = -1; // -1: did not start or finish in time, -2: crashed
+    QByteArray out;
+    QStringList report; // the lines on standard error
+};
+BatchRun runBatch(const QStringList& args, const QByteArray& document,
+                  const QMap<QString, QString>& settings = {});
 
 } // namespace ed::test

@@ -1,15 +1,12 @@
 // The Load From IE commands, Navigate To Sel and the two desktop commands over a scripted
 // browser: what reaches the document, the remembered condition, and what happens without a
-// browser.
+// browser (also through the batch runner).
 
 #include "FakeBrowser.h"
 #include "support/Fakes.h"
 
-#include "editor/MenuTable.h"
+#include "ChromiumProcess.h"
 #include "web/BrowserCommands.h"
-
-#include <QDir>
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -18,113 +15,86 @@ using namespace ed::test;
 
 namespace {
 
-const QStringList kLinks = {"http://one.example/x", "mailto:joe@example.com",
-                            "http://files.example/A.PDF", "http://files.example/a.htm"};
-
 struct Browser {
     explicit Browser(const QString& text = QString()) : h(text) { h.ctx.browser = &port; }
     Harness h;
     FakeBrowserPort port{h.log, h.clipboard, h.launcher};
     FakeBrowserWindow& window() { return *port.connector->window; }
-    QString condition() const { return h.setting("frmEdit", "Condition"); }
 };
 
-TEST(BrowserCommands, LinksKeepAnEmptyLineForTheMailLink) {
-    Browser b;
-    b.window().top.links = kLinks;
-    b.h.run("mnuGetBrowserLinks");
-    // Inserted at the start of an empty document: followed by the line break InsertText adds.
-    EXPECT_EQ(b.h.edit.text(), "http://one.example/x\r\n\r\nhttp://files.example/A.PDF\r\n"
-                               "http://files.example/a.htm\r\n\r\n");
-    EXPECT_EQ(b.port.sessionsCreated, 1);
-    EXPECT_TRUE(b.h.window.statuses.isEmpty());
-    EXPECT_TRUE(b.h.log.errors.empty());
-}
-
 TEST(BrowserCommands, LinksConditionallyKeepOnlyMatchingLinksIgnoringCase) {
-    struct Case {
-        QString answer;
-        QString inserted; // at the end of "doc:"
-    };
-    const Case cases[] = {
+    const std::pair<QString, QString> cases[] = {
+        // the answer, and what is inserted at the end of "doc:"
         {"pdf", "http://files.example/A.PDF\r\n"},
-        {"PDF", "http://files.example/A.PDF\r\n"},
         {"FILES.example", "http://files.example/A.PDF\r\nhttp://files.example/a.htm\r\n"},
         {"nowhere", ""},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.answer.toStdString());
+    for (const auto& [answer, inserted] : cases) {
+        SCOPED_TRACE(answer.toStdString());
         Browser b("doc:");
-        b.window().top.links = kLinks;
+        b.window().top.links = {"http://one.example/x", "mailto:joe@example.com",
+                                "http://files.example/A.PDF", "http://files.example/a.htm"};
         b.h.setSetting("frmEdit", "Condition", "before");
         b.h.select(4, 0);
-        b.h.dialogs.answers = {c.answer};
+        b.h.dialogs.answers = {answer};
         b.h.run("mnuGetBrowserLinksConditional");
         ASSERT_EQ(b.h.dialogs.prompts.size(), 1u);
         EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Enter text link must contain.");
         EXPECT_EQ(b.h.dialogs.prompts[0].title, "Enter rext");
         EXPECT_EQ(b.h.dialogs.prompts[0].defaultAnswer, "before");
-        EXPECT_EQ(b.condition(), c.answer);
-        EXPECT_EQ(b.h.edit.text(), "doc:" + c.inserted);
+        EXPECT_EQ(b.h.setting("frmEdit", "Condition"), answer);
+        EXPECT_EQ(b.h.edit.text(), "doc:" + inserted);
         EXPECT_EQ(b.h.form.UndoText, "doc:");
     }
 }
 
 TEST(BrowserCommands, CancelledConditionLeavesSettingAndDocument) {
     Browser b("keep me");
-    b.window().top.links = kLinks;
+    b.window().top.links = {"http://one.example/x"};
     b.h.setSetting("frmEdit", "Condition", "pdf");
     b.h.run("mnuGetBrowserLinksConditional"); // no answer queued: Cancel
-    EXPECT_EQ(b.condition(), "pdf");
+    EXPECT_EQ(b.h.setting("frmEdit", "Condition"), "pdf");
     EXPECT_EQ(b.h.edit.text(), "keep me");
     EXPECT_EQ(b.h.edit.assignments(), 0);
     EXPECT_EQ(b.port.sessionsCreated, 0);
 }
 
 TEST(BrowserCommands, HtmlAndTextOfTheTopDocumentAreInsertedAtTheCaret) {
-    struct Case {
-        const char* item;
-        QString expected;
-    };
-    const Case cases[] = {{"mnuGetBrowserHtml", "ab<body><p>Hi</p></body>cd"},
-                          {"mnuGetBrowserText", "abHi\r\nthere\r\ncd"}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.item);
+    const std::pair<const char*, QString> cases[] = {
+        {"mnuGetBrowserHtml", "ab<body><p>Hi</p></body>cd"},
+        {"mnuGetBrowserText", "abHi\r\nthere\r\ncd"}};
+    for (const auto& [item, expected] : cases) {
+        SCOPED_TRACE(item);
         Browser b("abcd");
         b.window().top = {"<body><p>Hi</p></body>", "Hi\r\nthere\r\n", {}};
         b.window().frames.push_back({"<p>frame</p>", "frame", {}}); // frames are not entered
         b.h.select(2, 1);                                           // a selection is not replaced
-        b.h.run(c.item);
-        EXPECT_EQ(b.h.edit.text(), c.expected);
+        b.h.run(item);
+        EXPECT_EQ(b.h.edit.text(), expected);
         EXPECT_EQ(b.h.form.UndoText, "abcd");
         EXPECT_TRUE(b.h.log.errors.empty());
     }
 }
 
-TEST(BrowserCommands, WithoutABrowserAnEmptyTextIsInsertedAndTheUserIsTold) {
-    for (const char* item : {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks"}) {
-        SCOPED_TRACE(item);
+TEST(BrowserCommands, WithoutABrowserNothingIsLoadedAndTheUserIsTold) {
+    for (const QString item :
+         {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks", "mnuNavigateToSel"}) {
+        SCOPED_TRACE(item.toStdString());
         Browser b("abc");
         b.port.connector->browserOpen = false;
+        b.h.clipboard.setText("example.org");
         b.h.run(item);
-        // The empty text at the caret (0) is followed by InsertText's line break.
-        EXPECT_EQ(b.h.edit.text(), "\r\nabc");
-        EXPECT_EQ(b.h.form.UndoText, "abc");
+        // An empty text goes in at the caret, followed by InsertText's line break.
+        EXPECT_EQ(b.h.edit.text(), item == "mnuNavigateToSel" ? "abc" : "\r\nabc");
         EXPECT_EQ(b.h.window.statuses, QStringList{noBrowserMessage(b.port)});
-        EXPECT_TRUE(b.h.window.statuses[0].startsWith("no browser found at 127.0.0.1:9222; "
-                                                      "start one with"));
+        EXPECT_TRUE(b.window().navigations.isEmpty());
         EXPECT_TRUE(b.h.log.errors.empty());
     }
-}
-
-TEST(BrowserCommands, WithoutAnyBrowserConnectionTheCommandsStillEndQuietly) {
-    Harness h("abc");
+    Harness h("abc"); // no browser port at all
     h.run("mnuGetBrowserHtml");
     EXPECT_EQ(h.edit.text(), "\r\nabc");
-    h.clipboard.setText("example.org");
-    h.run("mnuNavigateToSel");
-    ASSERT_EQ(h.window.statuses.size(), 2u);
-    EXPECT_TRUE(h.window.statuses[1].startsWith("no browser found"));
+    ASSERT_EQ(h.window.statuses.size(), 1u);
+    EXPECT_TRUE(h.window.statuses[0].startsWith("no browser found"));
     EXPECT_TRUE(h.log.errors.empty());
 }
 
@@ -157,28 +127,15 @@ TEST(BrowserCommands, NavigateToSelSendsTheBrowserToItsSelection) {
         b.h.clipboard.setText(c.clipboardBefore);
         b.h.run("mnuNavigateToSel");
         EXPECT_EQ(b.window().navigations, c.navigations);
-        EXPECT_EQ(b.h.edit.text(), "the document");
         EXPECT_EQ(b.h.edit.assignments(), 0);
         EXPECT_TRUE(b.h.log.errors.empty());
     }
 }
 
-TEST(BrowserCommands, NavigateToSelWithoutABrowserDoesNothing) {
-    Browser b("doc");
-    b.port.connector->browserOpen = false;
-    b.h.clipboard.setText("example.org");
-    b.h.run("mnuNavigateToSel");
-    EXPECT_TRUE(b.window().navigations.isEmpty());
-    EXPECT_EQ(b.h.edit.assignments(), 0);
-    EXPECT_EQ(b.h.window.statuses, QStringList{noBrowserMessage(b.port)});
-}
-
-TEST(BrowserCommands, FolderAndFileGoToTheDesktop) {
-    Harness h;
+TEST(BrowserCommands, FolderAndFileGoToTheDesktopOrAreAnErrorNamingThem) {
     const QString dir = makeTempDir();
-    QFile file(dir + "/doc.txt");
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeFile(dir + "/doc.txt", "");
+    Harness h;
     h.form.LastDir = dir + "/";
     h.form.FileName = dir + "/doc.txt";
     h.run("mnuExplorer");
@@ -186,17 +143,12 @@ TEST(BrowserCommands, FolderAndFileGoToTheDesktop) {
     EXPECT_EQ(h.launcher.explored, QStringList{dir + "/"});
     EXPECT_EQ(h.launcher.opened, QStringList{dir + "/doc.txt"});
     EXPECT_TRUE(h.log.errors.empty());
-}
 
-TEST(BrowserCommands, AMissingFolderOrFileIsAnErrorNamingIt) {
-    Harness h;
-    const QString dir = makeTempDir();
     h.form.LastDir = dir + "/gone/";
     h.form.FileName = dir + "/Text-0.Txt"; // an untitled document never saved
     h.run("mnuExplorer");
     h.run("mnuLoadinwebbrowser");
-    EXPECT_TRUE(h.launcher.explored.isEmpty());
-    EXPECT_TRUE(h.launcher.opened.isEmpty());
+    EXPECT_EQ(h.launcher.explored.size() + h.launcher.opened.size(), 2);
     ASSERT_EQ(h.log.errors.size(), 2u);
     EXPECT_EQ(h.log.errors[0].location, "mnuExplorer_Click");
     EXPECT_TRUE(h.log.errors[0].detail.contains(dir + "/gone/"));
@@ -204,16 +156,16 @@ TEST(BrowserCommands, AMissingFolderOrFileIsAnErrorNamingIt) {
     EXPECT_TRUE(h.log.errors[1].detail.contains("Text-0.Txt"));
 }
 
-TEST(BrowserCommands, LoadCommandsRunWithoutTheWindowAndTheSiteListDoesNot) {
-    for (const char* name : {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks",
-                             "mnuGetBrowserLinksConditional", "mnuNavigateToSel", "mnuExplorer",
-                             "mnuLoadinwebbrowser"})
-        EXPECT_TRUE(availableInBatch(*findMenuItem(name))) << name;
-    for (const char* name : {"mnuNavigateSiteList", "mnuPause", "mnuNextItem", "mnuChangeTiming"}) {
-        const MenuItemDecl* d = findMenuItem(name);
-        EXPECT_TRUE(d->handler) << name;
-        EXPECT_FALSE(availableInBatch(*d)) << name;
-    }
+TEST(BrowserBatch, WithoutABrowserTheStatusSaysWhereItLooked) {
+    ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
+    const QString endpoint = QStringLiteral("127.0.0.1:%1").arg(freeLoopbackPort());
+    const BatchRun r = runBatch({"--apply", "GetBrowserHtml", "--report"}, "abc\n",
+                                {{"frmEdit/Browser Endpoint", endpoint}});
+    EXPECT_EQ(r.exitCode, 0) << r.report.join('\n');
+    EXPECT_EQ(r.out, "\nabc\n");
+    EXPECT_TRUE(r.report.join('\n').contains("status: no browser found at " + endpoint +
+                                             "; start one with "))
+        << r.report.join('\n');
 }
 
 } // namespace

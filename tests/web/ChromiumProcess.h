@@ -1,13 +1,15 @@
 #pragma once
-// A headless Chromium for the browser tests: started on a free loopback port with a fresh
-// profile, and killed with all its child processes when the object goes away, whatever the
-// test did.
+// Headless Chromium for the browser tests: started on a free loopback port with a fresh profile,
+// in a process group of its own that is killed, helpers and all, when the object goes away.
 
+#include "app/SystemPorts.h"
 #include "web/Endpoint.h"
 
 #include <QProcess>
-#include <QStringList>
 #include <QTemporaryDir>
+
+#include <memory>
+#include <vector>
 
 namespace ed::test {
 
@@ -15,13 +17,11 @@ namespace ed::test {
 QString testChromiumPath();
 // A loopback port nothing listens on right now.
 quint16 freeLoopbackPort();
-// The switches every test browser gets besides the port and the profile.
-QStringList headlessArguments();
 
 class ChromiumProcess {
 public:
     ChromiumProcess();
-    ~ChromiumProcess();
+    ~ChromiumProcess() { kill(); }
     ChromiumProcess(const ChromiumProcess&) = delete;
     ChromiumProcess& operator=(const ChromiumProcess&) = delete;
 
@@ -29,18 +29,25 @@ public:
     const QString& problem() const { return problem_; }
     web::Endpoint endpoint() const { return {QStringLiteral("127.0.0.1"), port_}; }
     QString endpointText() const { return endpoint().text(); }
-    // Kills the browser and every process of its group at once.
     void kill();
 
 private:
     QTemporaryDir profile_;
     QProcess process_;
-    qint64 group_ = 0;
     quint16 port_ = 0;
     QString problem_;
 };
 
-// Kills the process group of `pid` (as read from /proc) and waits briefly for it to go.
-void killProcessGroupOf(qint64 pid);
+// Starts the browsers the program asks for headless, each in a process group of its own that is
+// killed at the end.
+class HeadlessLauncher : public ProcessLauncher {
+public:
+    std::vector<QStringList> started;
+    ~HeadlessLauncher() override;
+    bool startDetached(const QString& program, const QStringList& arguments) override;
+
+private:
+    std::vector<std::unique_ptr<QProcess>> processes_;
+};
 
 } // namespace ed::test

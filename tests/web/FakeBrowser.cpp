@@ -26,25 +26,25 @@ void FakePage::navigate(const QString& url) {
     check();
     w_->navigations << url;
     w_->url = url;
-    int delay = w_->completeDelayMs;
+    int delay = 0;
     for (const QString& frameId : w_->completeOnNavigate) {
         std::weak_ptr<FakeBrowserWindow> weak = w_;
-        QTimer::singleShot(delay, [weak, frameId] {
-            if (auto window = weak.lock())
-                fireDocumentComplete(*window, frameId);
+        QTimer::singleShot(delay += 10, [weak, frameId] {
+            auto window = weak.lock();
+            if (window && window->events.documentComplete) {
+                QString url = window->url;
+                window->events.documentComplete({frameId}, url);
+            }
         });
-        delay += w_->completeDelayMs;
     }
 }
 
 void FakePage::stopLoading() {
     check();
-    ++w_->stops;
 }
 
-void FakePage::setWindowEdge(Edge edge, int pixels) {
+void FakePage::setWindowEdge(Edge, int) {
     check();
-    w_->edges.emplace_back(edge, pixels);
 }
 
 int FakePage::frameCount() {
@@ -106,20 +106,6 @@ QByteArray FakePage::savedPage(bool archive) {
     return archive ? w_->archive : w_->top.html.toUtf8();
 }
 
-void fireDocumentComplete(FakeBrowserWindow& window, const QString& frameId) {
-    QString url = window.url;
-    if (window.events.documentComplete)
-        window.events.documentComplete({frameId}, url);
-}
-
-void fireLostConnection(FakeBrowserWindow& window, const QString& reason) {
-    window.connected = false;
-    if (window.events.windowClosing)
-        window.events.windowClosing();
-    if (window.events.connectionLost)
-        window.events.connectionLost(reason);
-}
-
 web::Endpoint FakeConnector::endpoint() const {
     QString error;
     const auto endpoint = web::parseEndpoint(endpointSetting, &error);
@@ -129,7 +115,6 @@ web::Endpoint FakeConnector::endpoint() const {
 }
 
 web::BrowserHandle FakeConnector::firstPage() {
-    ++firstPageCalls;
     endpoint();
     if (!browserOpen)
         return {};

@@ -9,7 +9,6 @@
 #include <QStringList>
 
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace ed::test {
@@ -33,15 +32,11 @@ struct FakeBrowserWindow {
     bool connected = true;
     bool failEverything = false; // every call throws, as with a browser that went away
 
-    // Frames reported as loaded after each navigation, in this order, `completeDelayMs` apart.
+    // Frames reported as loaded after each navigation, in this order, 10 ms apart.
     QStringList completeOnNavigate{QStringLiteral("main")};
-    int completeDelayMs = 10;
 
     // What the session did.
     QStringList navigations;
-    int stops = 0;
-    std::vector<std::pair<web::BrowserPage::Edge, int>> edges;
-    QStringList closedWindows; // new windows the session cancelled
     int attachCount = 0;
 
     web::BrowserPage::Events events; // as set by the attached session
@@ -76,16 +71,11 @@ private:
     std::shared_ptr<FakeBrowserWindow> w_;
 };
 
-// Fires the events of the window as the browser would.
-void fireDocumentComplete(FakeBrowserWindow& window, const QString& frameId);
-void fireLostConnection(FakeBrowserWindow& window, const QString& reason);
-
 class FakeConnector : public web::BrowserConnector {
 public:
     std::shared_ptr<FakeBrowserWindow> window = std::make_shared<FakeBrowserWindow>();
     bool browserOpen = true;
     QString endpointSetting = QStringLiteral("127.0.0.1:9222");
-    int firstPageCalls = 0;
 
     QString endpointText() const override { return endpointSetting; }
     web::Endpoint endpoint() const override;
