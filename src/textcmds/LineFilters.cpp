@@ -83,7 +83,19 @@ void mnuRemoveLinesNotContainingText_Utf8(CommandContext& ctx, Utf8Document& doc
         doc.setText(filterLinesUtf8(doc, *answer, true));
 }
 
-void mnuByNumericValue_Click(CommandContext& ctx) {
+namespace {
+
+// The comparison asked for: an operator and a number.
+struct NumericFilter {
+    QChar op;
+    qint32 n;
+
+    // Whether a line whose value is `v` (nothing: not a number) stays.
+    bool keeps(std::optional<qint32> v) const { return !v || keepsValue(op, *v, n); }
+};
+
+// Asks for the comparison; nothing when the command should end silently.
+std::optional<NumericFilter> askNumericFilter(CommandContext& ctx) {
     const QString section = ctx.startUp.RegNames.RegKeyfrmEdit;
     const QString key = ctx.startUp.RegNames.PrvValue;
     const QString answer = ctx.dialogs.inputBox(
@@ -91,7 +103,7 @@ void mnuByNumericValue_Click(CommandContext& ctx) {
                        ">5000 means remove values greater than 5000"),
         QStringLiteral("filter numbers"), ctx.settings.get(section, key, QStringLiteral("0")));
     if (answer.isEmpty())
-        return;
+        return std::nullopt;
     const QChar op = answer[0];
     const QStringView numberPart = QStringView(answer).mid(1);
     // Only the form is tested here; an overflow shows up in the conversion below, after saving.
@@ -101,18 +113,30 @@ void mnuByNumericValue_Click(CommandContext& ctx) {
     } catch (const RuntimeError&) {
     }
     if (!numeric)
-        return;
+        return std::nullopt;
     ctx.settings.save(section, key, answer);
-    const qint32 n = *roundedInt32(numberPart);
+    return NumericFilter{op, *roundedInt32(numberPart)};
+}
 
+} // namespace
+
+void mnuByNumericValue_Click(CommandContext& ctx) {
+    const auto filter = askNumericFilter(ctx);
+    if (!filter)
+        return;
     const QString text = ctx.edit.text();
     LineWriter out(text.size() + 2);
     forEachCrLfLine(text, [&](QStringView line) {
-        const std::optional<qint32> v = roundedInt32(line);
-        if (!v || keepsValue(op, *v, n))
+        if (filter->keeps(roundedInt32(line)))
             out.add(line);
     });
     ctx.edit.setText(std::move(out).finish());
+}
+
+void mnuByNumericValue_Utf8(CommandContext& ctx, Utf8Document& doc) {
+    if (const auto filter = askNumericFilter(ctx))
+        doc.setText(keepLinesUtf8(
+            doc, [&](QByteArrayView line) { return filter->keeps(roundedInt32(line)); }));
 }
 
 void mnuRemoveRepeats_Click(CommandContext& ctx) {

@@ -11,8 +11,9 @@ void mnuRemoveLinesContainingText_Click(CommandContext& ctx);
 void mnuRemoveLinesNotContainingText_Click(CommandContext& ctx);
 void mnuByNumericValue_Click(CommandContext& ctx);
 void mnuRemoveRepeats_Click(CommandContext& ctx);
-// The two text filters on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
+// The text and number filters on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
 void mnuRemoveLinesContainingText_Utf8(CommandContext& ctx, Utf8Document& doc);
 void mnuRemoveLinesNotContainingText_Utf8(CommandContext& ctx, Utf8Document& doc);
+void mnuByNumericValue_Utf8(CommandContext& ctx, Utf8Document& doc);
 
 } // namespace ed

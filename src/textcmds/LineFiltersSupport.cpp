@@ -6,33 +6,44 @@
 
 namespace ed {
 
-std::optional<qint32> roundedInt32(QStringView s) {
-    auto isSpace = [](QChar c) { return c == u' ' || c == u'\t'; };
+namespace {
+
+// The number is written in ASCII alone, so it reads the same from UTF-16 and from UTF-8.
+inline int unitOf(QChar c) {
+    return c.unicode();
+}
+inline int unitOf(char c) {
+    return uchar(c);
+}
+
+template <class View> std::optional<qint32> roundedInt32Of(View s) {
+    auto at = [&](qsizetype k) { return unitOf(s[k]); };
+    auto isSpace = [](int c) { return c == ' ' || c == '\t'; };
     qsizetype b = 0, e = s.size();
-    while (b < e && isSpace(s[b]))
+    while (b < e && isSpace(at(b)))
         ++b;
-    while (e > b && isSpace(s[e - 1]))
+    while (e > b && isSpace(at(e - 1)))
         --e;
     bool negative = false;
-    if (b < e && (s[b] == u'+' || s[b] == u'-')) {
-        negative = s[b] == u'-';
+    if (b < e && (at(b) == '+' || at(b) == '-')) {
+        negative = at(b) == '-';
         ++b;
     }
     // Whole part, saturated well above the 32-bit range so that a long run of digits cannot wrap.
     constexpr quint64 kSaturated = quint64(1) << 40;
     quint64 magnitude = 0;
     qsizetype digits = 0;
-    while (b < e && s[b] >= u'0' && s[b] <= u'9') {
-        magnitude = qMin(kSaturated, magnitude * 10 + quint64(s[b].unicode() - u'0'));
+    while (b < e && at(b) >= '0' && at(b) <= '9') {
+        magnitude = qMin(kSaturated, magnitude * 10 + quint64(at(b) - '0'));
         ++digits;
         ++b;
     }
     int firstFraction = 0;    // the first digit after the point
     bool restNonZero = false; // any later fraction digit other than 0
-    if (b < e && s[b] == u'.') {
+    if (b < e && at(b) == '.') {
         ++b;
-        for (qsizetype k = 0; b < e && s[b] >= u'0' && s[b] <= u'9'; ++k, ++b, ++digits) {
-            const int d = s[b].unicode() - u'0';
+        for (qsizetype k = 0; b < e && at(b) >= '0' && at(b) <= '9'; ++k, ++b, ++digits) {
+            const int d = at(b) - '0';
             if (k == 0)
                 firstFraction = d;
             else if (d != 0)
@@ -49,6 +60,16 @@ std::optional<qint32> roundedInt32(QStringView s) {
     if (value < std::numeric_limits<qint32>::min() || value > std::numeric_limits<qint32>::max())
         throw RuntimeError("Overflow");
     return qint32(value);
+}
+
+} // namespace
+
+std::optional<qint32> roundedInt32(QStringView s) {
+    return roundedInt32Of(s);
+}
+
+std::optional<qint32> roundedInt32(QByteArrayView s) {
+    return roundedInt32Of(s);
 }
 
 bool LowerCaser::lowersDifferently(char16_t c) {

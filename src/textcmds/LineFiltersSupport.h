@@ -25,6 +25,8 @@ namespace ed {
 // integer with a half going to the even neighbour. Nothing when `s` is not such a number;
 // throws RuntimeError("Overflow") when the rounded value does not fit.
 std::optional<qint32> roundedInt32(QStringView s);
+// The same for a line of UTF-8 (the number is ASCII alone, so it reads the same).
+std::optional<qint32> roundedInt32(QByteArrayView s);
 
 // Lower-cases text exactly as QString::toLower does, into one buffer reused from call to call.
 // The view returned stays valid until the next call.

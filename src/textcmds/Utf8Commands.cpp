@@ -14,6 +14,8 @@ const Utf8Command* findUtf8Command(Handler handler) {
         {mnuConvertToUpperCase_Click, {mnuConvertToUpperCase_Utf8, false}},
         {mnuConvertToLowerCase_Click, {mnuConvertToLowerCase_Utf8, false}},
         {mnuRemoveAllSpaces_Click, {mnuRemoveAllSpaces_Utf8, false}},
+        {mnuTrimLeadingAndTrailingSpaces_Click, {mnuTrimLeadingAndTrailingSpaces_Utf8, true}},
+        {mnuByNumericValue_Click, {mnuByNumericValue_Utf8, true}},
         {mnuAddPrefix_Click, {mnuAddPrefix_Utf8, true}},
         {mnuAddSuffix_Click, {mnuAddSuffix_Utf8, true}},
         {mnuRemoveLinesContainingText_Click, {mnuRemoveLinesContainingText_Utf8, true}},

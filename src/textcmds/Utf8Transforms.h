@@ -2,6 +2,7 @@
 // Whole-document commands done on the UTF-8 bytes of a file. Each gives exactly the bytes that
 // decoding the file into the model, running the command there and encoding the result give.
 
+#include "util/ByteWriter.h"
 #include "util/Utf8Document.h"
 
 #include <QByteArray>
@@ -19,6 +20,27 @@ QByteArray removeSpacesUtf8(QByteArrayView text);
 // Each line of the document becomes prefix + line + suffix with the spaces at both ends of the
 // whole trimmed, followed by the document's line break (the last piece too, even when empty).
 QByteArray affixLinesUtf8(const Utf8Document& doc, const QString& prefix, const QString& suffix);
+
+// The lines of the document for which keep(line) is true, each followed by the document's line
+// break; runs of kept lines are copied in one piece.
+template <class Keep> QByteArray keepLinesUtf8(const Utf8Document& doc, Keep&& keep) {
+    const QByteArrayView text = doc.text();
+    const QByteArrayView br = doc.lineBreakBytes();
+    ByteWriter out(text.size() + br.size());
+    const char* runStart = text.data(); // the first line not yet written or dropped
+    forEachUtf8Line(text, doc.lineBreak(), [&](QByteArrayView line) {
+        if (!keep(line)) {
+            out.append(QByteArrayView(runStart, line.data()));
+            runStart = line.data() + line.size() + br.size();
+        }
+    });
+    const char* end = text.data() + text.size();
+    if (runStart <= end) {
+        out.append(QByteArrayView(runStart, end));
+        out.append(br);
+    }
+    return std::move(out).finish();
+}
 
 // The lines of the document whose lower-cased form contains the lower-cased `answer` (when
 // `keepContaining`), or the others, each followed by the document's line break.

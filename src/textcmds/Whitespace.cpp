@@ -115,6 +115,10 @@ void mnuTrimLeadingAndTrailingSpaces_Click(CommandContext& ctx) {
         text, [](QStringView line, QString& out) { out.append(trimSpaces(line)).append(kCrLf); }));
 }
 
+void mnuTrimLeadingAndTrailingSpaces_Utf8(CommandContext&, Utf8Document& doc) {
+    doc.setText(affixLinesUtf8(doc, QString(), QString()));
+}
+
 void mnuCnvDblSpcToSingle_Click(CommandContext& ctx) {
     ctx.edit.setText(collapseSpaces(ctx.edit.text()));
 }

@@ -11,8 +11,9 @@
 namespace ed {
 
 void mnuRemoveAllSpaces_Click(CommandContext& ctx);
-// The same on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
+// The same two on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
 void mnuRemoveAllSpaces_Utf8(CommandContext& ctx, Utf8Document& doc);
+void mnuTrimLeadingAndTrailingSpaces_Utf8(CommandContext& ctx, Utf8Document& doc);
 void mnuTrimLeadingAndTrailingSpaces_Click(CommandContext& ctx);
 void mnuCnvDblSpcToSingle_Click(CommandContext& ctx);
 void mnuReplaceDoubleBlankLineWithSingle_Click(CommandContext& ctx);
