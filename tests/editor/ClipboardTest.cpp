@@ -19,9 +19,6 @@ struct ClipCase {
     int expStart, expLength;
     QString expClipboard;
 };
-void PrintTo(const ClipCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 class ClipboardTest : public ::testing::TestWithParam<ClipCase> {};
 
@@ -65,9 +62,6 @@ struct InsertCase {
     QString expected;
     QString expUndoText;
 };
-void PrintTo(const InsertCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 class InsertTextTest : public ::testing::TestWithParam<InsertCase> {};
 

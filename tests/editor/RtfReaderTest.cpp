@@ -20,10 +20,6 @@ struct TextCase {
     const char* text; // UTF-8, the expected plain text
 };
 
-void PrintTo(const TextCase& c, std::ostream* os) {
-    *os << c.body;
-}
-
 class RtfTextTest : public ::testing::TestWithParam<TextCase> {};
 
 TEST_P(RtfTextTest, ReadsText) {
@@ -135,10 +131,6 @@ struct FormatCase {
     const char* body;
     const char* runs; // as describe() writes them
 };
-
-void PrintTo(const FormatCase& c, std::ostream* os) {
-    *os << c.body;
-}
 
 class RtfFormatTest : public ::testing::TestWithParam<FormatCase> {};
 

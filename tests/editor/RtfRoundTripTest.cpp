@@ -38,10 +38,6 @@ void fill(QTextDocument& doc, const std::vector<Span>& spans) {
         c.insertText(QString::fromUtf8(s.text), toTextCharFormat(s.format));
 }
 
-void PrintTo(const DocCase& c, std::ostream* os) {
-    *os << c.name;
-}
-
 class RtfRoundTripTest : public ::testing::TestWithParam<DocCase> {};
 
 TEST_P(RtfRoundTripTest, KeepsTextAndFormats) {

@@ -24,9 +24,6 @@ struct FindCase {
     qint32 searchPos;
     bool found;
 };
-void PrintTo(const FindCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 class FindTest : public ::testing::TestWithParam<FindCase> {};
 
@@ -177,9 +174,6 @@ struct ReplaceCase {
     QString message; // "" for none
     QString savedWith;
 };
-void PrintTo(const ReplaceCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 class ReplaceTest : public ::testing::TestWithParam<ReplaceCase> {};
 
@@ -271,6 +265,18 @@ TEST(ToolsMenu, OffersNotepadWhenTheFileExistsAndFindAfterASuccess) {
     EXPECT_FALSE(h.menu.isEnabled("mnuWebsites"));
     EXPECT_TRUE(h.menu.isEnabled("mnuSearch"));
 #endif
+}
+
+// The search and clipboard commands one after another through the batch runner.
+TEST(SearchBatch, FindThenFindNextAndCut) {
+    ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
+    const BatchRun r = runBatch({"--apply", "Search", "--answer", "TWO", "--apply", "FindNext",
+                                 "--apply", "Cut", "--report"},
+                                "one two one two");
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.out, "one two one ");
+    EXPECT_TRUE(r.report.contains("clipboard: two")) << r.report.join('\n');
+    EXPECT_TRUE(r.report.contains("selection: 12,0"));
 }
 
 } // namespace
