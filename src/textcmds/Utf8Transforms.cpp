@@ -236,7 +236,42 @@ QByteArray removeSpacesUtf8(QByteArrayView text) {
     return std::move(out).finish();
 }
 
+namespace {
+
+// Each line with its spaces at both ends trimmed; runs of lines without such spaces are copied
+// in one piece.
+QByteArray trimLinesUtf8(const Utf8Document& doc) {
+    const QByteArrayView text = doc.text();
+    const QByteArrayView br = doc.lineBreakBytes();
+    ByteWriter out(text.size() + br.size());
+    qsizetype runStart = 0; // the first line not yet written
+    forEachUtf8Line(text, doc.lineBreak(), [&](QByteArrayView line) {
+        qsizetype b = 0, e = line.size();
+        if (e == 0 || (line[0] != ' ' && line[e - 1] != ' '))
+            return;
+        while (b < e && line[b] == ' ')
+            ++b;
+        while (e > b && line[e - 1] == ' ')
+            --e;
+        const qsizetype start = line.data() - text.data();
+        out.append(text.sliced(runStart, start - runStart));
+        out.append(line.sliced(b, e - b));
+        out.append(br);
+        runStart = start + line.size() + br.size();
+    });
+    // The lines after the last one trimmed; the last piece of the text gets a break too.
+    if (runStart <= text.size()) {
+        out.append(text.sliced(runStart));
+        out.append(br);
+    }
+    return std::move(out).finish();
+}
+
+} // namespace
+
 QByteArray affixLinesUtf8(const Utf8Document& doc, const QString& prefix, const QString& suffix) {
+    if (prefix.isEmpty() && suffix.isEmpty())
+        return trimLinesUtf8(doc);
     const QByteArray pre = prefix.toUtf8();
     const QByteArray suf = suffix.toUtf8();
     const QByteArrayView br = doc.lineBreakBytes();

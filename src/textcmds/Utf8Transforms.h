@@ -27,16 +27,17 @@ template <class Keep> QByteArray keepLinesUtf8(const Utf8Document& doc, Keep&& k
     const QByteArrayView text = doc.text();
     const QByteArrayView br = doc.lineBreakBytes();
     ByteWriter out(text.size() + br.size());
-    const char* runStart = text.data(); // the first line not yet written or dropped
+    qsizetype runStart = 0; // the first line not yet written or dropped
     forEachUtf8Line(text, doc.lineBreak(), [&](QByteArrayView line) {
         if (!keep(line)) {
-            out.append(QByteArrayView(runStart, line.data()));
-            runStart = line.data() + line.size() + br.size();
+            const qsizetype start = line.data() - text.data();
+            out.append(text.sliced(runStart, start - runStart));
+            runStart = start + line.size() + br.size();
         }
     });
-    const char* end = text.data() + text.size();
-    if (runStart <= end) {
-        out.append(QByteArrayView(runStart, end));
+    // The lines after the last one dropped; the last piece of the text gets a break too.
+    if (runStart <= text.size()) {
+        out.append(text.sliced(runStart));
         out.append(br);
     }
     return std::move(out).finish();
