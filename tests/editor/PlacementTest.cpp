@@ -1,3 +1,5 @@
+// Where the window opens and what is remembered of it; Keep On Top, No Word Wrap and the font.
+
 #include "editor/Placement.h"
 #include "editor/ViewCommands.h"
 #include "support/Fakes.h"
@@ -9,10 +11,11 @@ using namespace ed::test;
 
 namespace {
 
+constexpr int kScreenW = 1024 * 15, kScreenH = 768 * 15; // twips
+
 class FakeGeometry : public FormGeometry {
 public:
     int w = 1200, h = 900, l = 0, t = 0;
-    int sw = 1024 * 15, sh = 768 * 15;
     bool maximized = false;
     struct TopCall {
         bool on;
@@ -24,15 +27,10 @@ public:
     int height() const override { return h; }
     int left() const override { return l; }
     int top() const override { return t; }
-    int screenWidth() const override { return sw; }
-    int screenHeight() const override { return sh; }
+    int screenWidth() const override { return kScreenW; }
+    int screenHeight() const override { return kScreenH; }
     bool isMinimized() const override { return false; }
-    void setGeometry(int nl, int nt, int nw, int nh) override {
-        l = nl;
-        t = nt;
-        w = nw;
-        h = nh;
-    }
+    void setGeometry(int nl, int nt, int nw, int nh) override { l = nl, t = nt, w = nw, h = nh; }
     void maximize() override { maximized = true; }
     void setTopmost(bool on, int x, int y, int cx, int cy) override {
         topCalls.push_back({on, x, y, cx, cy});
@@ -40,29 +38,21 @@ public:
 };
 
 TEST(Placement, RestoresOrCentresAndKeepsTheWindowOnScreen) {
+    const int cl = kScreenW / 2 - 2500, ct = kScreenH / 2 - 2000; // the default size, centred
     struct Case {
-        const char* what;
         std::vector<std::pair<const char*, const char*>> saved;
         int l, t, w, h;
-    };
-    const int sw = 1024 * 15, sh = 768 * 15;
-    const std::vector<Case> cases = {
-        {"first run: default size, centred", {}, sw / 2 - 2500, sh / 2 - 2000, 5000, 4000},
-        {"saved placement",
-         {{"NSWE_W", "6000"}, {"NSWE_H", "3000"}, {"NSWE_L", "300"}, {"NSWE_T", "450"}},
+    } cases[] = {
+        {{}, cl, ct, 5000, 4000},
+        {{{"NSWE_W", "6000"}, {"NSWE_H", "3000"}, {"NSWE_L", "300"}, {"NSWE_T", "450"}},
          300,
          450,
          6000,
          3000},
-        {"left beyond a smaller screen",
-         {{"NSWE_L", "40000"}},
-         sw - 5000,
-         sh / 2 - 2000,
-         5000,
-         4000},
-        {"top above the screen", {{"NSWE_T", "-900"}}, sw / 2 - 2500, 0, 5000, 4000},
-        {"top below the screen", {{"NSWE_T", "99999"}}, sw / 2 - 2500, sh - 4000, 5000, 4000},
-        {"garbage values", {{"NSWE_W", "wide"}}, sw / 2 - 2500, sh / 2 - 2000, 5000, 4000},
+        {{{"NSWE_L", "40000"}}, kScreenW - 5000, ct, 5000, 4000}, // beyond a smaller screen
+        {{{"NSWE_T", "-900"}}, cl, 0, 5000, 4000},
+        {{{"NSWE_T", "99999"}}, cl, kScreenH - 4000, 5000, 4000},
+        {{{"NSWE_W", "wide"}}, cl, ct, 5000, 4000},
     };
     for (const Case& c : cases) {
         Harness h;
@@ -70,10 +60,8 @@ TEST(Placement, RestoresOrCentresAndKeepsTheWindowOnScreen) {
             h.setSetting("frmEdit", key, value);
         FakeGeometry g;
         Placement(h.ctx.settings, h.log).AlignFF(g, 0, 0, 5000, 4000, true, true);
-        EXPECT_EQ(g.l, c.l) << c.what;
-        EXPECT_EQ(g.t, c.t) << c.what;
-        EXPECT_EQ(g.w, c.w) << c.what;
-        EXPECT_EQ(g.h, c.h) << c.what;
+        EXPECT_EQ((std::vector<int>{g.l, g.t, g.w, g.h}), (std::vector<int>{c.l, c.t, c.w, c.h}))
+            << (c.saved.empty() ? "first run" : c.saved[0].first);
     }
     Harness h;
     h.setSetting("frmEdit", "NSWE_W", "99999");
@@ -103,11 +91,9 @@ TEST(Placement, KeepOnTopTogglesAndSendsTwipsOverFifteen) {
     EXPECT_TRUE(h.menu.isChecked("mnuKeepOnTop"));
     EXPECT_EQ(h.setting("Window Position", "frmEdit"), "1");
     ASSERT_EQ(g.topCalls.size(), 1u);
-    EXPECT_TRUE(g.topCalls[0].on);
-    EXPECT_EQ(g.topCalls[0].x, 10);
-    EXPECT_EQ(g.topCalls[0].y, 19);
-    EXPECT_EQ(g.topCalls[0].cx, 300);
-    EXPECT_EQ(g.topCalls[0].cy, 400);
+    const FakeGeometry::TopCall& on = g.topCalls[0];
+    EXPECT_EQ((std::vector<int>{on.on, on.x, on.y, on.cx, on.cy}),
+              (std::vector<int>{true, 10, 19, 300, 400}));
     h.run("mnuKeepOnTop");
     EXPECT_FALSE(h.menu.isChecked("mnuKeepOnTop"));
     EXPECT_EQ(h.setting("Window Position", "frmEdit"), "0");

@@ -1,6 +1,7 @@
 // The RTF reader's handling of control words, symbols, code pages, destinations and formats.
 
 #include "editor/RtfReader.h"
+#include "RtfDescribe.h"
 
 #include <QStringList>
 
@@ -108,19 +109,8 @@ QString describe(const RtfContent& content) {
     QStringList paragraphs;
     for (const RtfParagraph& p : content.paragraphs) {
         QString out;
-        for (const RtfRun& r : p.runs) {
-            const RtfCharFormat& f = r.format;
-            out += r.text + '{' + f.family + ' ' + QString::number(f.pointSize);
-            if (f.bold)
-                out += " b";
-            if (f.italic)
-                out += " i";
-            if (f.underline)
-                out += " u";
-            if (f.color)
-                out += QStringLiteral(" #%1").arg(*f.color, 6, 16, QLatin1Char('0'));
-            out += '}';
-        }
+        for (const RtfRun& r : p.runs)
+            out += r.text + '{' + test::describe(r.format) + '}';
         paragraphs << out;
     }
     return paragraphs.join(QStringLiteral(" | "));

@@ -1,6 +1,7 @@
 // Files written by a common word processor read to the text that word processor itself reads
 // from them (the .txt beside each .rtf), and keep their character formatting.
 
+#include "RtfDescribe.h"
 #include "editor/RtfReader.h"
 
 #include <QDir>
@@ -51,42 +52,24 @@ TEST_P(RtfSampleTest, ReadsTheSameWordsAsTheReference) {
 
 INSTANTIATE_TEST_SUITE_P(Samples, RtfSampleTest, ::testing::Values("writer-plain", "writer-mixed"));
 
-const RtfRun* findRun(const RtfContent& content, const QString& text) {
-    for (const RtfParagraph& p : content.paragraphs)
-        for (const RtfRun& r : p.runs)
-            if (r.text.contains(text))
-                return &r;
-    return nullptr;
-}
-
 TEST(RtfSample, KeepsCharacterFormats) {
     const RtfContent content = parseRtf(readSample("writer-mixed.rtf"));
-    struct Expect {
-        const char* text;
-        const char* family;
-        double size;
-        bool bold, italic, underline;
-        std::optional<quint32> color;
+    const std::pair<const char*, const char*> cases[] = {
+        {"Plain paragraph", "Liberation Serif 12"},
+        {"bold", "Liberation Serif 12 b"},
+        {"italic", "Liberation Serif 12 i"},
+        {"underlined", "Liberation Serif 12 u"},
+        {"red", "Liberation Serif 12 #c00000"},
+        {"Accents", "Liberation Mono 10"},
+        {"Big bold italic heading", "Liberation Serif 20 b i"},
     };
-    const Expect cases[] = {
-        {"Plain paragraph", "Liberation Serif", 12, false, false, false, {}},
-        {"bold", "Liberation Serif", 12, true, false, false, {}},
-        {"italic", "Liberation Serif", 12, false, true, false, {}},
-        {"underlined", "Liberation Serif", 12, false, false, true, {}},
-        {"red", "Liberation Serif", 12, false, false, false, 0xC00000},
-        {"Accents", "Liberation Mono", 10, false, false, false, {}},
-        {"Big bold italic heading", "Liberation Serif", 20, true, true, false, {}},
-    };
-    for (const Expect& e : cases) {
-        SCOPED_TRACE(e.text);
-        const RtfRun* run = findRun(content, QString::fromUtf8(e.text));
-        ASSERT_NE(run, nullptr);
-        EXPECT_EQ(run->format.family, QString::fromUtf8(e.family));
-        EXPECT_EQ(run->format.pointSize, e.size);
-        EXPECT_EQ(run->format.bold, e.bold);
-        EXPECT_EQ(run->format.italic, e.italic);
-        EXPECT_EQ(run->format.underline, e.underline);
-        EXPECT_EQ(run->format.color, e.color);
+    for (const auto& [text, format] : cases) {
+        QString found = "<no run>";
+        for (const RtfParagraph& p : content.paragraphs)
+            for (const RtfRun& r : p.runs)
+                if (found == "<no run>" && r.text.contains(QString::fromUtf8(text)))
+                    found = test::describe(r.format);
+        EXPECT_EQ(found, format) << text;
     }
 }
 

@@ -1,8 +1,7 @@
+// Find, Find Next, Replace and the Tools menu, on a text buffer and once through the batch runner.
 #include "editor/LowerCaseSearch.h"
 #include "editor/SearchCommands.h"
 #include "support/Fakes.h"
-
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -16,62 +15,52 @@ namespace {
 const QString kSearchPrompt = QStringLiteral("Text to search for in these files?");
 
 // Find... on a text: the answer typed, then what is selected and remembered.
-struct FindCase {
-    const char* name;
-    QString text;
-    QString answer;
-    int selStart, selLength; // expected selection
-    qint32 searchPos;
-    bool found;
-};
-
-class FindTest : public ::testing::TestWithParam<FindCase> {};
-
-TEST_P(FindTest, SelectsFirstMatchIgnoringCase) {
-    const FindCase& c = GetParam();
-    Harness h(c.text);
-    h.clipboard.setText(QStringLiteral("from clipboard"));
-    h.select(0, 1); // a selection is never what the prompt proposes
-    h.dialogs.answers.push_back(c.answer);
-    h.run("mnuSearch");
-
-    ASSERT_EQ(h.dialogs.prompts.size(), 1u);
-    EXPECT_EQ(h.dialogs.prompts[0].prompt, kSearchPrompt);
-    EXPECT_EQ(h.dialogs.prompts[0].title, "Enter Search String");
-    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "from clipboard");
-    EXPECT_EQ(h.setting("frmEdit", "Previous Search"), c.answer);
-    EXPECT_EQ(h.form.SearchPos, c.searchPos);
-    EXPECT_EQ(h.menu.isEnabled("mnuFindNext"), c.found);
-    EXPECT_EQ(h.edit.text(), c.text);
-    if (c.found) {
-        EXPECT_EQ(h.edit.selStart(), c.selStart);
-        EXPECT_EQ(h.edit.selLength(), c.selLength);
-        EXPECT_TRUE(h.dialogs.messages.empty());
-    } else {
-        ASSERT_EQ(h.dialogs.messages.size(), 1u);
-        EXPECT_EQ(h.dialogs.messages[0].text, "String not found");
-        EXPECT_EQ(h.dialogs.messages[0].icon, Icon::Critical);
-        EXPECT_EQ(h.dialogs.messages[0].buttons, Buttons::Ok);
-    }
-    EXPECT_TRUE(h.log.errors.empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, FindTest,
-    ::testing::Values(
-        FindCase{"IgnoresCase", "xxABCabc", "abc", 2, 3, 6, true},
-        FindCase{"UpperNeedle", "one two", "TWO", 4, 3, 8, true},
-        FindCase{"Missing", "hello", "z", 0, 0, 0, false},
-        FindCase{"CrLfCountsTwo", "a\r\nbc", "B", 3, 1, 5, true},
+TEST(Find, SelectsTheFirstMatchIgnoringCase) {
+    struct Case {
+        QString text, answer;
+        int selStart, selLength; // expected selection
+        qint32 searchPos;
+        bool found;
+    } cases[] = {
+        {"xxABCabc", "abc", 2, 3, 6, true},
+        {"one two", "TWO", 4, 3, 8, true},
+        {"hello", "z", 0, 0, 0, false},
+        {"a\r\nbc", "B", 3, 1, 5, true}, // CR LF counts two
         // Lower case is one character for one: dotted capital I is plain i, positions unchanged.
-        FindCase{"DottedCapitalI", QStringLiteral("x\u0130y"), "i", 1, 1, 3, true},
-        FindCase{"AfterDottedCapitalI", QStringLiteral("\u0130\u0130ab"), "AB", 2, 2, 5, true},
-        // Sharp s does not become "ss".
-        FindCase{"NoFullFolding", QStringLiteral("stra\u00dfe"), "strasse", 0, 0, 0, false},
+        {QStringLiteral("x\u0130y"), "i", 1, 1, 3, true},
+        {QStringLiteral("\u0130\u0130ab"), "AB", 2, 2, 5, true},
+        {QStringLiteral("stra\u00dfe"), "strasse", 0, 0, 0, false}, // sharp s is not "ss"
         // A pair of surrogates is lowered as one character (Deseret capital to small).
-        FindCase{"SurrogatePair", QStringLiteral("a\U00010400b"), QStringLiteral("\U00010428B"), 1,
-                 3, 5, true}),
-    [](const auto& info) { return std::string(info.param.name); });
+        {QStringLiteral("a\U00010400b"), QStringLiteral("\U00010428B"), 1, 3, 5, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text.toStdString() + " / " + c.answer.toStdString());
+        Harness h(c.text);
+        h.clipboard.setText(QStringLiteral("from clipboard"));
+        h.select(0, 1); // a selection is never what the prompt proposes
+        h.dialogs.answers.push_back(c.answer);
+        h.run("mnuSearch");
+        ASSERT_EQ(h.dialogs.prompts.size(), 1u);
+        EXPECT_EQ(h.dialogs.prompts[0].prompt, kSearchPrompt);
+        EXPECT_EQ(h.dialogs.prompts[0].title, "Enter Search String");
+        EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "from clipboard");
+        EXPECT_EQ(h.setting("frmEdit", "Previous Search"), c.answer);
+        EXPECT_EQ(h.form.SearchPos, c.searchPos);
+        EXPECT_EQ(h.menu.isEnabled("mnuFindNext"), c.found);
+        EXPECT_EQ(h.edit.text(), c.text);
+        if (c.found) {
+            EXPECT_EQ(h.edit.selStart(), c.selStart);
+            EXPECT_EQ(h.edit.selLength(), c.selLength);
+            EXPECT_TRUE(h.dialogs.messages.empty());
+        } else {
+            ASSERT_EQ(h.dialogs.messages.size(), 1u);
+            EXPECT_EQ(h.dialogs.messages[0].text, "String not found");
+            EXPECT_EQ(h.dialogs.messages[0].icon, Icon::Critical);
+            EXPECT_EQ(h.dialogs.messages[0].buttons, Buttons::Ok);
+        }
+        EXPECT_TRUE(h.log.errors.empty());
+    }
+}
 
 TEST(FindNext, WalksMatchesWithoutWrappingThenAsksAgain) {
     Harness h(QStringLiteral("abcABCabc"));
@@ -163,63 +152,54 @@ TEST(IndexOfIgnoringCase, AgreesWithLowerCasingBoth) {
 
 // Replace...: selection and answers in; text, selection, the last message box and the remembered
 // replacement out.
-struct ReplaceCase {
-    const char* name;
-    QString text;
-    int selStart, selLength;
-    QString answers;    // typed answers separated by "|"
-    Answer emptyAnswer; // the reply to "Replace ... with an empty string?"
-    QString expected;
-    int expStart, expLength;
-    QString message; // "" for none
-    QString savedWith;
-};
-
-class ReplaceTest : public ::testing::TestWithParam<ReplaceCase> {};
-
-TEST_P(ReplaceTest, ReplacesExactlyAndSelectsFive) {
-    const ReplaceCase& c = GetParam();
-    Harness h(c.text);
-    h.select(c.selStart, c.selLength);
-    for (const QString& a : c.answers.split(u'|', Qt::SkipEmptyParts))
-        h.dialogs.answers.push_back(a);
-    h.dialogs.buttonAnswers.push_back(c.emptyAnswer);
-    h.run("mnuReplace");
-    EXPECT_EQ(h.edit.text(), c.expected);
-    EXPECT_EQ(h.edit.selStart(), c.expStart);
-    EXPECT_EQ(h.edit.selLength(), c.expLength);
-    EXPECT_EQ(h.setting("frmEdit", "Replace with"), c.savedWith);
-    if (c.message.isEmpty()) {
-        EXPECT_TRUE(h.dialogs.messages.empty());
-    } else {
-        const MessageEvent& m = h.dialogs.messages.back();
-        EXPECT_EQ(m.text, c.message);
-        const bool notFound = c.message == u"String not found";
-        EXPECT_EQ(m.title, notFound ? defaultTitle() : "Replace with empty or cancel?");
-        EXPECT_EQ(m.buttons, notFound ? Buttons::Ok : Buttons::YesNo);
-        EXPECT_EQ(m.icon, notFound ? Icon::None : Icon::Question);
+TEST(Replace, ReplacesExactlyAndSelectsFive) {
+    const QString notFound = QStringLiteral("String not found");
+    const QString emptyDash = QStringLiteral("Replace - with an empty string?");
+    const QString unset = QStringLiteral("<unset>");
+    struct Case {
+        QString text;
+        int selStart, selLength;
+        QString answers;    // typed answers separated by "|"
+        Answer emptyAnswer; // the reply to "Replace ... with an empty string?"
+        QString expected;
+        int expStart, expLength;
+        QString message; // "" for none
+        QString savedWith;
+    } cases[] = {
+        // Case sensitive; the replacement is remembered even when the text is not found.
+        {"ABC", 0, 0, "abc|x", Answer::No, "ABC", 0, 0, notFound, "x"},
+        {"aaaaa", 1, 0, "aa|b", Answer::No, "bba", 1, 2, "", "b"},
+        {"a,b,,c", 0, 0, ",|VBcrLF", Answer::No, "a\r\nb\r\n\r\nc", 0, 5, "", "VBcrLF"},
+        {"foo bar foo", 8, 3, "baz", Answer::No, "baz bar baz", 8, 3, "", "baz"}, // the selection
+        {"a-b", 0, 0, "-", Answer::No, "a-b", 0, 0, emptyDash, unset},
+        {"a-b-", 2, 0, "-", Answer::Yes, "ab", 2, 0, emptyDash, ""},
+        {"abc", 1, 0, "", Answer::No, "abc", 1, 0, "", unset}, // cancelled
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text.toStdString() + " / " + c.answers.toStdString());
+        Harness h(c.text);
+        h.select(c.selStart, c.selLength);
+        for (const QString& a : c.answers.split(u'|', Qt::SkipEmptyParts))
+            h.dialogs.answers.push_back(a);
+        h.dialogs.buttonAnswers.push_back(c.emptyAnswer);
+        h.run("mnuReplace");
+        EXPECT_EQ(h.edit.text(), c.expected);
+        EXPECT_EQ(h.edit.selStart(), c.expStart);
+        EXPECT_EQ(h.edit.selLength(), c.expLength);
+        EXPECT_EQ(h.setting("frmEdit", "Replace with"), c.savedWith);
+        if (c.message.isEmpty()) {
+            EXPECT_TRUE(h.dialogs.messages.empty());
+        } else {
+            const MessageEvent& m = h.dialogs.messages.back();
+            EXPECT_EQ(m.text, c.message);
+            const bool isNotFound = c.message == notFound;
+            EXPECT_EQ(m.title, isNotFound ? defaultTitle() : "Replace with empty or cancel?");
+            EXPECT_EQ(m.buttons, isNotFound ? Buttons::Ok : Buttons::YesNo);
+            EXPECT_EQ(m.icon, isNotFound ? Icon::None : Icon::Question);
+        }
+        EXPECT_TRUE(h.log.errors.empty());
     }
-    EXPECT_TRUE(h.log.errors.empty());
 }
-
-const QString kNotFound = QStringLiteral("String not found");
-const QString kEmptyDash = QStringLiteral("Replace - with an empty string?");
-const QString kUnset = QStringLiteral("<unset>");
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ReplaceTest,
-    ::testing::Values(
-        // The replacement is remembered even when the text is not found.
-        ReplaceCase{"CaseSensitive", "ABC", 0, 0, "abc|x", Answer::No, "ABC", 0, 0, kNotFound, "x"},
-        ReplaceCase{"AllNonOverlapping", "aaaaa", 1, 0, "aa|b", Answer::No, "bba", 1, 2, "", "b"},
-        ReplaceCase{"VbCrLfAnyCase", "a,b,,c", 0, 0, ",|VBcrLF", Answer::No, "a\r\nb\r\n\r\nc", 0,
-                    5, "", "VBcrLF"},
-        ReplaceCase{"SelectionIsTheText", "foo bar foo", 8, 3, "baz", Answer::No, "baz bar baz", 8,
-                    3, "", "baz"},
-        ReplaceCase{"EmptyDeclined", "a-b", 0, 0, "-", Answer::No, "a-b", 0, 0, kEmptyDash, kUnset},
-        ReplaceCase{"EmptyAccepted", "a-b-", 2, 0, "-", Answer::Yes, "ab", 2, 0, kEmptyDash, ""},
-        ReplaceCase{"Cancelled", "abc", 1, 0, "", Answer::No, "abc", 1, 0, "", kUnset}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Replace, PromptTextsAndDefaults) {
     Harness h(QStringLiteral("x;y"));
@@ -243,8 +223,7 @@ TEST(Replace, PromptTextsAndDefaults) {
 TEST(ToolsMenu, OffersNotepadWhenTheFileExistsAndFindAfterASuccess) {
     const QString dir = makeTempDir();
     const QString present = dir + "/browser.exe";
-    QFile file(present);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    writeFile(present, "");
     struct Case {
         QString path;
         qint32 searchPos;
