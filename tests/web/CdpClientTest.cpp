@@ -131,17 +131,6 @@ TEST(CdpClient, EventsAndForeignMessagesAreNotReplies) {
     EXPECT_EQ(f.client->protocolFaults(), 4);
 }
 
-TEST(CdpClient, CallsToAttachedSessionsCarryTheirSessionId) {
-    Fixture f;
-    f.transport->onSend = [&](const QJsonObject& m) {
-        f.transport->deliver(reply(idOf(m), "{\"ok\":true}", m.value("sessionId").toString()));
-    };
-    EXPECT_TRUE(f.client->call("DOM.describeNode", {}, "S7").value("ok").toBool());
-    EXPECT_EQ(f.transport->sent.back().value("sessionId").toString(), "S7");
-    f.client->post("Page.enable");
-    EXPECT_FALSE(f.transport->sent.back().contains("sessionId"));
-}
-
 TEST(CdpClient, FailuresEndTheCallWithAnErrorNamingIt) {
     struct Case {
         const char* name;

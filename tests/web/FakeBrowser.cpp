@@ -1,6 +1,7 @@
 #include "FakeBrowser.h"
 
 #include "app/Trap.h"
+#include "support/Fakes.h"
 
 #include <QTimer>
 
@@ -13,7 +14,7 @@ namespace {
 } // namespace
 
 void FakePage::check() const {
-    if (w_->failEverything || !w_->connected)
+    if (w_->failEverything)
         fail(QStringLiteral("The browser closed the connection."));
 }
 
@@ -28,8 +29,7 @@ void FakePage::navigate(const QString& url) {
     w_->url = url;
     int delay = 0;
     for (const QString& frameId : w_->completeOnNavigate) {
-        std::weak_ptr<FakeBrowserWindow> weak = w_;
-        QTimer::singleShot(delay += 10, [weak, frameId] {
+        QTimer::singleShot(delay += 10, [weak = std::weak_ptr(w_), frameId] {
             auto window = weak.lock();
             if (window && window->events.documentComplete) {
                 QString url = window->url;
@@ -37,23 +37,6 @@ void FakePage::navigate(const QString& url) {
             }
         });
     }
-}
-
-void FakePage::stopLoading() {
-    check();
-}
-
-void FakePage::setWindowEdge(Edge, int) {
-    check();
-}
-
-int FakePage::frameCount() {
-    check();
-    return int(w_->frames.size());
-}
-
-web::DocumentRef FakePage::topDocument() {
-    return {w_->mainFrameId};
 }
 
 web::DocumentRef FakePage::frameDocument(int index) {
@@ -76,66 +59,22 @@ const FakeDocument& FakePage::document(const web::DocumentRef& ref) const {
     fail(QStringLiteral("No document %1.").arg(ref.frameId));
 }
 
-QString FakePage::documentHtml(const web::DocumentRef& ref) {
-    return document(ref).html;
-}
-QString FakePage::documentText(const web::DocumentRef& ref) {
-    return document(ref).text;
-}
-QStringList FakePage::documentLinks(const web::DocumentRef& ref) {
-    return document(ref).links;
-}
-
-QString FakePage::locationUrl() {
-    check();
-    return w_->url;
-}
-
-QString FakePage::locationName() {
-    check();
-    return w_->title.isEmpty() ? w_->url : w_->title;
-}
-
-QString FakePage::selectionText() {
-    check();
-    return w_->selection;
-}
-
-QByteArray FakePage::savedPage(bool archive) {
-    check();
-    return archive ? w_->archive : w_->top.html.toUtf8();
-}
-
-web::Endpoint FakeConnector::endpoint() const {
-    QString error;
-    const auto endpoint = web::parseEndpoint(endpointSetting, &error);
-    if (!endpoint)
-        fail(error);
-    return *endpoint;
-}
-
 web::BrowserHandle FakeConnector::firstPage() {
-    endpoint();
-    if (!browserOpen)
-        return {};
-    return FakePage(window).handle();
+    return browserOpen ? FakePage(window).handle() : web::BrowserHandle();
 }
 
 std::unique_ptr<web::BrowserPage> FakeConnector::attach(const web::BrowserHandle&) {
-    endpoint();
     if (!browserOpen)
         fail(QStringLiteral("Could not connect to the browser."));
     ++window->attachCount;
-    window->connected = true;
     return std::make_unique<FakePage>(window);
 }
-
-FakeBrowserPort::FakeBrowserPort(Logger& log, Clipboard& clipboard, Launcher& launcher)
-    : log_(log), clipboard_(clipboard), launcher_(launcher) {}
 
 web::BrowserServices FakeBrowserPort::services() {
     web::BrowserServices s(log_, clipboard_, launcher_, connector);
     s.browserCandidates = {};
+    s.browserPath = program;
+    s.profileDir = makeTempDir() + "/profile";
     s.navigateWaitMs = 2000;
     s.launchWaitMs = 500;
     s.launchPollMs = 20;

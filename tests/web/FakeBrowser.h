@@ -1,7 +1,6 @@
 #pragma once
-// A scripted browser for tests of the session object and of the commands built on it: pages
-// are plain data, events are fired by hand or after a navigation, and everything the session
-// asked for is recorded.
+// A scripted browser for tests of the session object and of the commands built on it: pages are
+// plain data, a navigation reports its frames loaded, and what the session did is recorded.
 
 #include "web/BrowserPage.h"
 #include "web/BrowserPort.h"
@@ -29,16 +28,12 @@ struct FakeBrowserWindow {
     QString title = QStringLiteral("Example");
     QString selection;
     QByteArray archive = "MHTML archive";
-    bool connected = true;
     bool failEverything = false; // every call throws, as with a browser that went away
-
     // Frames reported as loaded after each navigation, in this order, 10 ms apart.
     QStringList completeOnNavigate{QStringLiteral("main")};
 
-    // What the session did.
     QStringList navigations;
     int attachCount = 0;
-
     web::BrowserPage::Events events; // as set by the attached session
 };
 
@@ -49,21 +44,36 @@ public:
 
     void setEvents(Events events) override { w_->events = std::move(events); }
     web::BrowserHandle handle() const override;
-    bool isConnected() const override { return w_->connected; }
+    bool isConnected() const override { return true; }
     QString mainFrameId() const override { return w_->mainFrameId; }
     void navigate(const QString& url) override;
-    void stopLoading() override;
-    void setWindowEdge(Edge edge, int pixels) override;
-    int frameCount() override;
-    web::DocumentRef topDocument() override;
+    void stopLoading() override { check(); }
+    void setWindowEdge(Edge, int) override { check(); }
+    int frameCount() override {
+        check();
+        return int(w_->frames.size());
+    }
+    web::DocumentRef topDocument() override { return {w_->mainFrameId}; }
     web::DocumentRef frameDocument(int index) override;
-    QString documentHtml(const web::DocumentRef& document) override;
-    QString documentText(const web::DocumentRef& document) override;
-    QStringList documentLinks(const web::DocumentRef& document) override;
-    QString locationUrl() override;
-    QString locationName() override;
-    QString selectionText() override;
-    QByteArray savedPage(bool archive) override;
+    QString documentHtml(const web::DocumentRef& d) override { return document(d).html; }
+    QString documentText(const web::DocumentRef& d) override { return document(d).text; }
+    QStringList documentLinks(const web::DocumentRef& d) override { return document(d).links; }
+    QString locationUrl() override {
+        check();
+        return w_->url;
+    }
+    QString locationName() override {
+        check();
+        return w_->title;
+    }
+    QString selectionText() override {
+        check();
+        return w_->selection;
+    }
+    QByteArray savedPage(bool archive) override {
+        check();
+        return archive ? w_->archive : w_->top.html.toUtf8();
+    }
 
 private:
     void check() const;
@@ -75,23 +85,25 @@ class FakeConnector : public web::BrowserConnector {
 public:
     std::shared_ptr<FakeBrowserWindow> window = std::make_shared<FakeBrowserWindow>();
     bool browserOpen = true;
-    QString endpointSetting = QStringLiteral("127.0.0.1:9222");
 
-    QString endpointText() const override { return endpointSetting; }
-    web::Endpoint endpoint() const override;
+    QString endpointText() const override { return QStringLiteral("127.0.0.1:9222"); }
+    web::Endpoint endpoint() const override { return {QStringLiteral("127.0.0.1"), 9222}; }
     web::BrowserHandle firstPage() override;
     std::unique_ptr<web::BrowserPage> attach(const web::BrowserHandle& handle) override;
 };
 
-// A browser port over one fake window, for tests of the browser commands.
+// A browser port over one fake window, for tests of the browser commands. Its sessions start
+// `program` when they have to start a browser.
 class FakeBrowserPort : public BrowserPort {
 public:
-    FakeBrowserPort(Logger& log, Clipboard& clipboard, Launcher& launcher);
+    FakeBrowserPort(Logger& log, Clipboard& clipboard, Launcher& launcher)
+        : log_(log), clipboard_(clipboard), launcher_(launcher) {}
     std::shared_ptr<FakeConnector> connector = std::make_shared<FakeConnector>();
+    QString program;
     int sessionsCreated = 0;
 
     std::unique_ptr<web::cIEObject> createSession() override;
-    QString endpointDescription() const override { return connector->endpointSetting; }
+    QString endpointDescription() const override { return connector->endpointText(); }
     QString startCommand() const override {
         return QStringLiteral("chromium --remote-debugging-port=9222");
     }
