@@ -73,6 +73,21 @@ private:
     std::array<Entry, 0x800 - 0x80> twoByte_;
 };
 
+// Copies `n` bytes from `s` to `d` and returns d + n. Sixteen bytes are copied at a time when
+// that reads nothing at or past `limit`, and then up to fifteen bytes past d + n are written too.
+inline char* copyShort(char* d, const char* s, qsizetype n, const char* limit) {
+#ifdef __SSE2__
+    if (limit - s >= n + 15) {
+        for (qsizetype k = 0; k < n; k += 16)
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + k),
+                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + k)));
+        return d + n;
+    }
+#endif
+    std::memcpy(d, s, size_t(n));
+    return d + n;
+}
+
 // Writes trimSpaces(a + b + c) at `d` without putting the three together first; returns the end.
 char* putTrimmed(char* d, QByteArrayView a, QByteArrayView b, QByteArrayView c) {
     const QByteArrayView parts[3] = {a, b, c};
@@ -276,14 +291,49 @@ QByteArray affixLinesUtf8(const Utf8Document& doc, const QString& prefix, const 
     const QByteArray suf = suffix.toUtf8();
     const QByteArrayView br = doc.lineBreakBytes();
     const QByteArrayView text = doc.text();
+    const char* const textEnd = text.data() + text.size();
+    auto blank = [](QByteArrayView s) {
+        return std::all_of(s.begin(), s.end(), [](char c) { return c == ' '; });
+    };
+    // A line with something other than spaces becomes head + line + tail, the line trimmed at the
+    // ends where the prefix or suffix is blank; only a blank line needs the whole worked out.
+    const bool trimStart = blank(pre);
+    const bool trimEnd = blank(suf);
+    QByteArray head = trimStart ? QByteArray() : pre;
+    while (head.startsWith(' '))
+        head.remove(0, 1);
+    QByteArray tail = trimEnd ? QByteArray() : suf;
+    while (tail.endsWith(' '))
+        tail.chop(1);
+    tail += br;
+    const qsizetype headSize = head.size(), tailSize = tail.size();
+    // Sixteen bytes to spare behind each, for the short copies.
+    head.append(QByteArray(16, '\0'));
+    tail.append(QByteArray(16, '\0'));
+    constexpr qsizetype kSpare = 16;
     // Room for lines of sixteen bytes on average; more is made when they are shorter.
     ByteWriter out(text.size() + (text.size() / 16 + 1) * (pre.size() + suf.size() + 1) +
-                   br.size());
+                   br.size() + kSpare);
     forEachUtf8Line(text, doc.lineBreak(), [&](QByteArrayView line) {
-        char* d = out.room(pre.size() + line.size() + suf.size() + br.size());
-        d = putTrimmed(d, pre, line, suf);
-        std::memcpy(d, br.data(), size_t(br.size()));
-        out.advance(d + br.size());
+        char* d = out.room(pre.size() + line.size() + suf.size() + br.size() + 3 * kSpare);
+        qsizetype b = 0, e = line.size();
+        while (e > 0 && line[e - 1] == ' ')
+            --e;
+        if (e == 0) {
+            d = putTrimmed(d, pre, line, suf);
+            std::memcpy(d, br.data(), size_t(br.size()));
+            out.advance(d + br.size());
+            return;
+        }
+        if (trimStart)
+            while (line[b] == ' ')
+                ++b;
+        if (!trimEnd)
+            e = line.size();
+        d = copyShort(d, head.constData(), headSize, head.constData() + head.size());
+        d = copyShort(d, line.data() + b, e - b, textEnd);
+        d = copyShort(d, tail.constData(), tailSize, tail.constData() + tail.size());
+        out.advance(d);
     });
     return std::move(out).finish();
 }
