@@ -22,7 +22,6 @@ namespace {
 // Answers by a script: for every message sent, `onSend` may queue texts to deliver later.
 class ScriptedTransport : public CdpTransport {
 public:
-    std::vector<QJsonObject> sent;
     std::function<void(const QJsonObject&)> onSend;
     bool refuse = false;
     bool isOpen_ = false;
@@ -38,10 +37,8 @@ public:
         });
     }
     void sendText(const QString& text) override {
-        const QJsonObject m = QJsonDocument::fromJson(text.toUtf8()).object();
-        sent.push_back(m);
         if (onSend)
-            onSend(m);
+            onSend(QJsonDocument::fromJson(text.toUtf8()).object());
     }
     void close() override {
         if (isOpen_) {
