@@ -223,6 +223,7 @@ TEST_F(ChromiumSession, FramesAreReadWhereverTheyComeFrom) {
         EXPECT_EQ(ie_->GetHTMLFromAllFrames(), c.html);
         EXPECT_EQ(ie_->GetTextFromAllFrames(), c.text);
         if (c.frameCount == 1) {
+            EXPECT_TRUE(ie_->GetFrame(1).isEmpty()); // every frame but the last is served
             EXPECT_EQ(ie_->GetLinksOnWebPage(ie_->GetFrame(0)),
                       (QStringList{"http://a1.example/", "http://a2.example/"}));
             EXPECT_EQ(ie_->GetLinksOnAllFrames(false), QStringList{"http://b1.example/"});
