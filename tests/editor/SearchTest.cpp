@@ -249,9 +249,9 @@ TEST(ToolsMenu, OffersNotepadWhenTheFileExistsAndFindAfterASuccess) {
 // The search and clipboard commands one after another through the batch runner.
 TEST(SearchBatch, FindThenFindNextAndCut) {
     ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
-    const BatchRun r = runBatch({"--apply", "Search", "--answer", "TWO", "--apply", "FindNext",
-                                 "--apply", "Cut", "--report"},
-                                "one two one two");
+    const EditorRun r = runEditorBatch({"--apply", "Search", "--answer", "TWO", "--apply",
+                                        "FindNext", "--apply", "Cut", "--report"},
+                                       "one two one two");
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_EQ(r.out, "one two one ");
     EXPECT_TRUE(r.report.contains("clipboard: two")) << r.report.join('\n');

@@ -96,8 +96,8 @@ QByteArray readFile(const QString& path) {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
 }
 
-BatchRun runBatch(const QStringList& args, const QByteArray& document,
-                  const QMap<QString, QString>& settings) {
+EditorRun runEditorBatch(const QStringList& args, const QByteArray& document,
+                         const QMap<QString, QString>& settings) {
     const QString dir = makeTempDir();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("XDG_CONFIG_HOME", dir + "/config");
@@ -106,7 +106,7 @@ BatchRun runBatch(const QStringList& args, const QByteArray& document,
         QProcess p;
         p.setProcessEnvironment(env);
         p.start(qEnvironmentVariable("EDITOR_BIN"), arguments);
-        BatchRun r;
+        EditorRun r;
         if (!p.waitForStarted(30000))
             return r;
         web::waitUntil([&] { return p.state() == QProcess::NotRunning; }, 60000, 20);

@@ -165,12 +165,12 @@ QByteArray readFile(const QString& path);
 // The program's batch mode (EDITOR_BIN) on a file holding `document`, with settings and logs in a
 // folder of their own and `settings` ("section/key" -> value) stored first. The event loop runs
 // while it works, so a test's own servers keep answering.
-struct BatchRun {
+struct EditorRun {
     int exitCode = -1; // -1: did not start or finish in time, -2: crashed
     QByteArray out;
     QStringList report; // the lines on standard error
 };
-BatchRun runBatch(const QStringList& args, const QByteArray& document,
-                  const QMap<QString, QString>& settings = {});
+EditorRun runEditorBatch(const QStringList& args, const QByteArray& document,
+                         const QMap<QString, QString>& settings = {});
 
 } // namespace ed::test

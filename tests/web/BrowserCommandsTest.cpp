@@ -159,8 +159,8 @@ TEST(BrowserCommands, FolderAndFileGoToTheDesktopOrAreAnErrorNamingThem) {
 TEST(BrowserBatch, WithoutABrowserTheStatusSaysWhereItLooked) {
     ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
     const QString endpoint = QStringLiteral("127.0.0.1:%1").arg(freeLoopbackPort());
-    const BatchRun r = runBatch({"--apply", "GetBrowserHtml", "--report"}, "abc\n",
-                                {{"frmEdit/Browser Endpoint", endpoint}});
+    const EditorRun r = runEditorBatch({"--apply", "GetBrowserHtml", "--report"}, "abc\n",
+                                       {{"frmEdit/Browser Endpoint", endpoint}});
     EXPECT_EQ(r.exitCode, 0) << r.report.join('\n');
     EXPECT_EQ(r.out, "\nabc\n");
     EXPECT_TRUE(r.report.join('\n').contains("status: no browser found at " + endpoint +

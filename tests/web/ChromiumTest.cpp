@@ -292,12 +292,14 @@ TEST_F(ChromiumSession, TheBatchRunnerReadsLinksAndFollowsTheSelection) {
     ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
     const QMap<QString, QString> settings{{"frmEdit/Browser Endpoint", endpoint()}};
     load(*ie_, url("/links.html"));
-    const test::BatchRun links = test::runBatch({"--apply", "GetBrowserLinks"}, "", settings);
+    const test::EditorRun links =
+        test::runEditorBatch({"--apply", "GetBrowserLinks"}, "", settings);
     EXPECT_EQ(links.exitCode, 0) << links.report.join('\n');
     EXPECT_EQ(links.out, "http://one.example/x\r\n\r\nhttp://files.example/a.pdf\r\n\r\n");
 
     load(*ie_, url("/select.html"));
-    const test::BatchRun go = test::runBatch({"--apply", "NavigateToSel"}, "untouched\n", settings);
+    const test::EditorRun go =
+        test::runEditorBatch({"--apply", "NavigateToSel"}, "untouched\n", settings);
     EXPECT_EQ(go.exitCode, 0) << go.report.join('\n');
     EXPECT_EQ(go.out, "untouched\n");
     EXPECT_TRUE(shows(browser_->endpoint(), url("/plain.html")));
