@@ -31,6 +31,38 @@ inline char32_t decodeUtf8At(const unsigned char* s, int& len) {
     return ((c & 0x07) << 18) | ((s[1] & 0x3F) << 12) | ((s[2] & 0x3F) << 6) | (s[3] & 0x3F);
 }
 
+// The character of the sequence starting with the byte 0x80 or above at `s`, at most `left`
+// bytes: its length, with the character in `cp`, or 0 when it is not UTF-8 as the text decoder
+// accepts it (overlong, a surrogate, past U+10FFFF or cut short).
+inline int checkedUtf8At(const unsigned char* s, qsizetype left, quint32& cp) {
+    const unsigned c = s[0];
+    int len;
+    if (c >= 0xC2 && c <= 0xDF) {
+        len = 2;
+        cp = c & 0x1F;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+        len = 3;
+        cp = c & 0x0F;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+        len = 4;
+        cp = c & 0x07;
+    } else {
+        return 0;
+    }
+    if (len > left)
+        return 0;
+    for (int k = 1; k < len; ++k) {
+        const unsigned cc = s[k];
+        if ((cc & 0xC0) != 0x80)
+            return 0;
+        cp = (cp << 6) | (cc & 0x3F);
+    }
+    if ((len == 3 && (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF))) ||
+        (len == 4 && (cp < 0x10000 || cp > 0x10FFFF)))
+        return 0;
+    return len;
+}
+
 inline int utf8Length(char32_t cp) {
     return cp < 0x80 ? 1 : cp < 0x800 ? 2 : cp < 0x10000 ? 3 : 4;
 }
