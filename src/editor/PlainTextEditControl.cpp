@@ -22,7 +22,15 @@ namespace ed {
 // visible CR symbol, so that a CR that is not part of a line break survives a round trip.
 constexpr char16_t kLoneCr = 0x240D;
 
-QString modelToWidgetText(const QString& model) {
+char16_t loneCrStandIn(const QString& model) {
+    // The visible CR symbol, unless the text holds that character itself.
+    for (char16_t c : {kLoneCr, char16_t(0xE00D), char16_t(0xF00D), char16_t(0xF8FF)})
+        if (!model.contains(QChar(c)))
+            return c;
+    return kLoneCr;
+}
+
+QString modelToWidgetText(const QString& model, char16_t loneCr) {
     QString out(model.size(), Qt::Uninitialized);
     char16_t* d = reinterpret_cast<char16_t*>(out.data());
     const char16_t* s = reinterpret_cast<const char16_t*>(model.constData());
@@ -33,7 +41,7 @@ QString modelToWidgetText(const QString& model) {
                 *d++ = u'\n';
                 s += 2;
             } else {
-                *d++ = kLoneCr;
+                *d++ = loneCr;
                 ++s;
             }
         } else {
@@ -50,7 +58,8 @@ constexpr int kBlockLines = 16;
 constexpr qsizetype kBlockChars = 4096;
 } // namespace
 
-QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock) {
+QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock,
+                            char16_t loneCr) {
     linesPerBlock.clear();
     linesPerBlock.reserve(size_t(model.size() / 256 + 1));
     QString out(model.size(), Qt::Uninitialized);
@@ -75,7 +84,7 @@ QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBloc
                 ++lines;
             }
         } else {
-            *d++ = kLoneCr;
+            *d++ = loneCr;
             ++s;
         }
     }
@@ -84,7 +93,7 @@ QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBloc
     return out;
 }
 
-QString widgetToModelText(const QString& raw, bool breaksInBlocks) {
+QString widgetToModelText(const QString& raw, bool breaksInBlocks, char16_t loneCr) {
     const auto isBreak = [breaksInBlocks](QChar c) {
         return c == QChar::ParagraphSeparator || c == u'\n' ||
                (breaksInBlocks && c == QChar::LineSeparator);
@@ -100,7 +109,7 @@ QString widgetToModelText(const QString& raw, bool breaksInBlocks) {
             *d++ = u'\r';
             *d++ = u'\n';
         } else {
-            *d++ = c.unicode() == kLoneCr ? u'\r' : c.unicode();
+            *d++ = c.unicode() == loneCr ? u'\r' : c.unicode();
         }
     }
     return out;
@@ -228,13 +237,14 @@ bool PlainTextEditControl::eventFilter(QObject* watched, QEvent* event) {
 void PlainTextEditControl::documentLoadedAsRich() {
     rich_ = true;
     breaksInBlocks_ = false;
+    loneCr_ = kLoneCr;
     breaksValid_ = 0;
     cacheValid_ = false;
 }
 
 QString PlainTextEditControl::text() const {
     if (!cacheValid_) {
-        cache_ = widgetToModelText(widget_->document()->toRawText(), breaksInBlocks_);
+        cache_ = widgetToModelText(widget_->document()->toRawText(), breaksInBlocks_, loneCr_);
         cacheValid_ = true;
     }
     return cache_;
@@ -270,8 +280,9 @@ PreparedDocument::PreparedDocument(const QString& model, QThread* owner, BusyTok
     // A text that holds line separators of its own keeps one line per block.
     breaksInBlocks_ = !model.contains(QChar::LineSeparator);
     longLines_ = longestLine(model) > kLongLine;
-    const QString shown =
-        breaksInBlocks_ ? modelToWidgetBlocks(model, lines_) : modelToWidgetText(model);
+    loneCr_ = loneCrStandIn(model);
+    const QString shown = breaksInBlocks_ ? modelToWidgetBlocks(model, lines_, loneCr_)
+                                          : modelToWidgetText(model, loneCr_);
     // No layout yet: the widget gives the document its own when it shows it.
     doc_ = std::make_unique<QTextDocument>();
     doc_->setUndoRedoEnabled(false);
@@ -349,6 +360,7 @@ void PlainTextEditControl::adopt(PreparedDocument&& prepared) {
     applyShaping(prepared.longLines_);
     rich_ = false;
     breaksInBlocks_ = prepared.breaksInBlocks_;
+    loneCr_ = prepared.loneCr_;
     cache_ = std::move(prepared.model_);
     cacheValid_ = true;
     if (breaksInBlocks_) {
@@ -383,7 +395,7 @@ void PlainTextEditControl::replaceRange(int start, int length, const QString& re
     c.setPosition(toWidget(start));
     c.setPosition(toWidget(start + length), QTextCursor::KeepAnchor);
     ownEdit_ = true;
-    c.insertText(modelToWidgetText(replacement));
+    c.insertText(modelToWidgetText(replacement, loneCr_));
     ownEdit_ = false;
     cache_ = before;
     cache_.replace(start, length, replacement);

@@ -46,6 +46,7 @@ private:
     std::vector<int> lines_; // lines per block when breaksInBlocks_
     bool breaksInBlocks_ = false;
     bool longLines_ = false;
+    char16_t loneCr_ = 0x240D;
 };
 
 class PlainTextEditControl : public QObject, public EditControl, public EditView {
@@ -114,6 +115,7 @@ private:
     bool rich_ = false;
     // A QChar::LineSeparator in the widget is a line break of the model (the text had none).
     bool breaksInBlocks_ = false;
+    char16_t loneCr_ = 0x240D; // what stands for a lone CR in the widget
     BusyWork* busy_ = nullptr;
     bool lineCountsPending_ = false;
     QElapsedTimer doubleClick_;
@@ -123,11 +125,17 @@ private:
 };
 
 // Model text (CR LF breaks) -> what the widget holds (one LF per break), and back.
-QString modelToWidgetText(const QString& model);
-QString widgetToModelText(const QString& raw, bool breaksInBlocks = false);
+// A CR that is not part of a line break is held in the widget as `loneCr` (see loneCrStandIn).
+QString modelToWidgetText(const QString& model, char16_t loneCr = 0x240D);
+QString widgetToModelText(const QString& raw, bool breaksInBlocks = false,
+                          char16_t loneCr = 0x240D);
+// The character that stands for a lone CR in the widget: the visible CR symbol, or when the text
+// holds that symbol itself, a character it does not hold.
+char16_t loneCrStandIn(const QString& model);
 
 // Model text -> widget text in blocks of several lines (see above); `linesPerBlock` receives the
 // number of lines of each block.
-QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock);
+QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock,
+                            char16_t loneCr = 0x240D);
 
 } // namespace ed

@@ -98,6 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Document{"EmptyLines", QString("\r\n").repeated(35) + "x"},
                       Document{"LoneCrAndLf", lines(20) + "a\rb\r\nc\r\n" + lines(20)},
                       Document{"LongLines", lines(30, QString(700, u'w'))},
+                      Document{"OwnCrSymbol", lines(20) + QChar(0x240D) + "a\rb" + lines(20)},
                       Document{"OwnLineSeparators",
                                lines(20) + QChar(QChar::LineSeparator) + lines(20)},
                       Document{"Empty", QString()}),
