@@ -7,9 +7,17 @@
 #include "editor/ViewCommands.h"
 #include "util/Utility.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace ed {
+
+QString newDocumentFolder(const QString& programFolder) {
+    const QFileInfo folder(programFolder);
+    if (folder.exists() && !folder.isWritable())
+        return QDir::homePath();
+    return programFolder;
+}
 
 void Form_Load(CommandContext& ctx, QString commandLine) {
     QString searchText;
@@ -36,7 +44,7 @@ void Form_Load(CommandContext& ctx, QString commandLine) {
             ctx.form.LastDir =
                 ctx.settings.get(QStringLiteral("frmEdit"), QStringLiteral("Last Dir"), QString());
             if (ctx.form.LastDir.isEmpty())
-                ctx.form.LastDir = ctx.startUp.programFolder + u'/';
+                ctx.form.LastDir = newDocumentFolder(ctx.startUp.programFolder) + u'/';
             ctx.form.FileName = GetNewFile(ctx);
             ctx.window.setCaption(ctx.form.FileName);
         }

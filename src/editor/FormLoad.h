@@ -8,6 +8,9 @@ namespace ed {
 // Runs the load. `CommandLine` is the start-up's command line; a search text after "~" is
 // searched for at the end, quietly.
 void Form_Load(CommandContext& ctx, QString commandLine);
+// The folder of a new document when no folder was used before: the program's own, unless the
+// user cannot write there (an installed copy in /usr/bin), then the home folder.
+QString newDocumentFolder(const QString& programFolder);
 // The unload: placement saved.
 void Form_Unload(CommandContext& ctx);
 
