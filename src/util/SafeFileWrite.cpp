@@ -163,7 +163,8 @@ Failure replaceFile(const QByteArray& target, const QByteArray& bytes, const str
     QByteArray temp = folderOf(target) + "/." + nameOf(target) + ".saving-XXXXXX";
     Fd fd(::mkostemp(temp.data(), O_CLOEXEC));
     if (!fd.ok()) {
-        inPlace = old && (errno == EACCES || errno == EPERM);
+        // A read-only folder, or a name too long for the temporary name beside it.
+        inPlace = old && (errno == EACCES || errno == EPERM || errno == ENAMETOOLONG);
         return fail(errno);
     }
     auto failed = [&](int err) {
@@ -174,11 +175,12 @@ Failure replaceFile(const QByteArray& target, const QByteArray& bytes, const str
         return failed(err);
     if (old) {
         if (::fchown(fd.get(), old->st_uid, old->st_gid) != 0) {
+            const int chownErr = errno;
             struct stat mine;
             if (::fstat(fd.get(), &mine) != 0 || mine.st_uid != old->st_uid ||
                 mine.st_gid != old->st_gid) {
                 inPlace = true; // the replacement would change the file's owner
-                return failed(errno);
+                return failed(chownErr);
             }
         }
         // After the owner: changing it clears the set-id bits.
@@ -221,7 +223,7 @@ Failure writeInPlace(const QByteArray& target, const QByteArray& bytes) {
     }
 
     const QString folder = inPlaceBackupFolder();
-    QByteArray backup = QFile::encodeName(folder) + '/' + nameOf(target) + ".old-XXXXXX";
+    QByteArray backup = QFile::encodeName(folder) + '/' + nameOf(target).left(128) + ".old-XXXXXX";
     const auto keepFailure = [&](int err) {
         return fail(err, QStringLiteral("cannot keep a copy of its old content in %1: %2")
                              .arg(folder, systemErrorText(err)));
