@@ -1,8 +1,9 @@
 #include "editor/DocumentIO.h"
 
+#include "util/SafeFileWrite.h"
+
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace ed {
 
@@ -52,21 +53,7 @@ bool readDocumentFile(const QString& path, LoadedDocument& doc, QString& error) 
 }
 
 bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString& error) {
-    QSaveFile f(path);
-    if (!f.open(QIODevice::WriteOnly)) {
-        error = QStringLiteral("cannot write %1: %2").arg(path, f.errorString());
-        return false;
-    }
-    if (f.write(bytes) != bytes.size()) {
-        error = QStringLiteral("cannot write %1: %2").arg(path, f.errorString());
-        f.cancelWriting();
-        return false;
-    }
-    if (!f.commit()) {
-        error = QStringLiteral("cannot write %1: %2").arg(path, f.errorString());
-        return false;
-    }
-    return true;
+    return writeFileSafely(path, bytes, error);
 }
 
 QString documentExtension(const QString& path) {

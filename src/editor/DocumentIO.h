@@ -1,6 +1,6 @@
 #pragma once
 // Reading and writing document files: bytes decoded into the CR LF model with the file's
-// encoding and line-break style remembered, and written back atomically in the same style.
+// encoding and line-break style remembered, and written back safely in the same style.
 
 #include "util/TextCodec.h"
 
@@ -21,7 +21,9 @@ QByteArray encodeDocument(const QString& model, const LoadedDocument& doc);
 bool readFileBytes(const QString& path, QByteArray& bytes, QString& error);
 bool readDocumentFile(const QString& path, LoadedDocument& doc, QString& error);
 
-// Writes all bytes or nothing: the old file stays whole when anything fails.
+// Writes all bytes or nothing: the old content stays whole when anything fails. The file keeps its
+// owner, group, mode and hard links; a file in a folder that takes no new file is written in
+// place, safely (see writeFileSafely).
 bool writeFileAtomically(const QString& path, const QByteArray& bytes, QString& error);
 
 // "rtf" for path/to/x.RTF: the text after the last "." of the trimmed path, lower-cased.

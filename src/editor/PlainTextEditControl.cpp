@@ -18,19 +18,31 @@
 
 namespace ed {
 
-// The widget would take a lone CR for a line break; it holds this stand-in instead, shown as a
-// visible CR symbol, so that a CR that is not part of a line break survives a round trip.
-constexpr char16_t kLoneCr = 0x240D;
-
-char16_t loneCrStandIn(const QString& model) {
-    // The visible CR symbol, unless the text holds that character itself.
-    for (char16_t c : {kLoneCr, char16_t(0xE00D), char16_t(0xF00D), char16_t(0xF8FF)})
-        if (!model.contains(QChar(c)))
-            return c;
-    return kLoneCr;
+bool StandIns::heldIn(const QString& text) const {
+    for (char16_t c : {loneCr, paragraph, frameStart, frameEnd})
+        if (text.contains(QChar(c)))
+            return true;
+    return false;
 }
 
-QString modelToWidgetText(const QString& model, char16_t loneCr) {
+StandIns standInsFor(const QString& text) {
+    // The private use area has room for far more characters than any text holds of it.
+    char16_t next = 0xE000;
+    const auto unused = [&] {
+        while (next < 0xF8FF && text.contains(QChar(next)))
+            ++next;
+        return next++;
+    };
+    StandIns s;
+    if (text.contains(QChar(s.loneCr))) // else the visible CR symbol
+        s.loneCr = unused();
+    s.paragraph = unused();
+    s.frameStart = unused();
+    s.frameEnd = unused();
+    return s;
+}
+
+QString modelToWidgetText(const QString& model, const StandIns& standIns) {
     QString out(model.size(), Qt::Uninitialized);
     char16_t* d = reinterpret_cast<char16_t*>(out.data());
     const char16_t* s = reinterpret_cast<const char16_t*>(model.constData());
@@ -41,11 +53,11 @@ QString modelToWidgetText(const QString& model, char16_t loneCr) {
                 *d++ = u'\n';
                 s += 2;
             } else {
-                *d++ = loneCr;
+                *d++ = standIns.loneCr;
                 ++s;
             }
         } else {
-            *d++ = *s++;
+            *d++ = standIns.toWidget(*s++);
         }
     }
     out.truncate(d - reinterpret_cast<char16_t*>(out.data()));
@@ -59,7 +71,7 @@ constexpr qsizetype kBlockChars = 4096;
 } // namespace
 
 QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock,
-                            char16_t loneCr) {
+                            const StandIns& standIns) {
     linesPerBlock.clear();
     linesPerBlock.reserve(size_t(model.size() / 256 + 1));
     QString out(model.size(), Qt::Uninitialized);
@@ -71,7 +83,7 @@ QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBloc
     int lines = 1;
     while (s < end) {
         if (*s != u'\r') {
-            *d++ = *s++;
+            *d++ = standIns.toWidget(*s++);
         } else if (s + 1 < end && s[1] == u'\n') {
             s += 2;
             if (lines >= kBlockLines || d - blockStart >= kBlockChars) {
@@ -84,7 +96,7 @@ QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBloc
                 ++lines;
             }
         } else {
-            *d++ = loneCr;
+            *d++ = standIns.loneCr;
             ++s;
         }
     }
@@ -93,7 +105,7 @@ QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBloc
     return out;
 }
 
-QString widgetToModelText(const QString& raw, bool breaksInBlocks, char16_t loneCr) {
+QString widgetToModelText(const QString& raw, bool breaksInBlocks, const StandIns& standIns) {
     const auto isBreak = [breaksInBlocks](QChar c) {
         return c == QChar::ParagraphSeparator || c == u'\n' ||
                (breaksInBlocks && c == QChar::LineSeparator);
@@ -109,7 +121,7 @@ QString widgetToModelText(const QString& raw, bool breaksInBlocks, char16_t lone
             *d++ = u'\r';
             *d++ = u'\n';
         } else {
-            *d++ = c.unicode() == loneCr ? u'\r' : c.unicode();
+            *d++ = standIns.fromWidget(c.unicode());
         }
     }
     return out;
@@ -237,14 +249,14 @@ bool PlainTextEditControl::eventFilter(QObject* watched, QEvent* event) {
 void PlainTextEditControl::documentLoadedAsRich() {
     rich_ = true;
     breaksInBlocks_ = false;
-    loneCr_ = kLoneCr;
+    standIns_ = standInsFor(widget_->document()->toRawText());
     breaksValid_ = 0;
     cacheValid_ = false;
 }
 
 QString PlainTextEditControl::text() const {
     if (!cacheValid_) {
-        cache_ = widgetToModelText(widget_->document()->toRawText(), breaksInBlocks_, loneCr_);
+        cache_ = widgetToModelText(widget_->document()->toRawText(), breaksInBlocks_, standIns_);
         cacheValid_ = true;
     }
     return cache_;
@@ -280,9 +292,9 @@ PreparedDocument::PreparedDocument(const QString& model, QThread* owner, BusyTok
     // A text that holds line separators of its own keeps one line per block.
     breaksInBlocks_ = !model.contains(QChar::LineSeparator);
     longLines_ = longestLine(model) > kLongLine;
-    loneCr_ = loneCrStandIn(model);
-    const QString shown = breaksInBlocks_ ? modelToWidgetBlocks(model, lines_, loneCr_)
-                                          : modelToWidgetText(model, loneCr_);
+    standIns_ = standInsFor(model);
+    const QString shown = breaksInBlocks_ ? modelToWidgetBlocks(model, lines_, standIns_)
+                                          : modelToWidgetText(model, standIns_);
     // No layout yet: the widget gives the document its own when it shows it.
     doc_ = std::make_unique<QTextDocument>();
     doc_->setUndoRedoEnabled(false);
@@ -360,7 +372,7 @@ void PlainTextEditControl::adopt(PreparedDocument&& prepared) {
     applyShaping(prepared.longLines_);
     rich_ = false;
     breaksInBlocks_ = prepared.breaksInBlocks_;
-    loneCr_ = prepared.loneCr_;
+    standIns_ = prepared.standIns_;
     cache_ = std::move(prepared.model_);
     cacheValid_ = true;
     if (breaksInBlocks_) {
@@ -384,8 +396,9 @@ void PlainTextEditControl::adopt(PreparedDocument&& prepared) {
 
 void PlainTextEditControl::replaceRange(int start, int length, const QString& replacement) {
     const QString before = text();
-    if (qsizetype(length) * 2 > before.size()) {
-        // Most of the document changes: taking the whole new text is faster than editing it.
+    // Most of the document changes: taking the whole new text is faster than editing it. A
+    // replacement that holds a stand-in needs other stand-ins, and so the whole text too.
+    if (qsizetype(length) * 2 > before.size() || standIns_.heldIn(replacement)) {
         QString after = before;
         after.replace(start, length, replacement);
         setText(after);
@@ -395,7 +408,7 @@ void PlainTextEditControl::replaceRange(int start, int length, const QString& re
     c.setPosition(toWidget(start));
     c.setPosition(toWidget(start + length), QTextCursor::KeepAnchor);
     ownEdit_ = true;
-    c.insertText(modelToWidgetText(replacement, loneCr_));
+    c.insertText(modelToWidgetText(replacement, standIns_));
     ownEdit_ = false;
     cache_ = before;
     cache_.replace(start, length, replacement);

@@ -26,6 +26,39 @@ namespace ed {
 class BusyWork;
 struct BusyToken;
 
+// Characters the widget does not keep as they are, and what it holds in their place: a CR that is
+// not part of a line break (the widget would take it for one; shown as the visible CR symbol),
+// and U+2029, U+FDD0 and U+FDD1 (the widget's own paragraph and frame marks). Each stand-in is a
+// character the text does not hold, so each comes back as what it stood for.
+struct StandIns {
+    char16_t loneCr = 0x240D;
+    char16_t paragraph = 0xE000;
+    char16_t frameStart = 0xE001;
+    char16_t frameEnd = 0xE002;
+
+    // The character `c` of the text as the widget holds it, and back.
+    char16_t toWidget(char16_t c) const {
+        if (c < 0x2029)
+            return c;
+        return c == 0x2029 ? paragraph : c == 0xFDD0 ? frameStart : c == 0xFDD1 ? frameEnd : c;
+    }
+    char16_t fromWidget(char16_t c) const {
+        if (c < 0x240D)
+            return c;
+        return c == loneCr       ? u'\r'
+               : c == paragraph  ? char16_t(0x2029)
+               : c == frameStart ? char16_t(0xFDD0)
+               : c == frameEnd   ? char16_t(0xFDD1)
+                                 : c;
+    }
+    // True when `text` holds one of the stand-ins (it would be read back as another character).
+    bool heldIn(const QString& text) const;
+};
+
+// Stand-ins none of which `text` holds: the visible CR symbol for a lone CR unless the text holds
+// it, and characters of the private use area for the rest.
+StandIns standInsFor(const QString& text);
+
 // The widget's document for a whole text, built on any thread (a large one is built away from
 // the window's thread) and then shown by PlainTextEditControl::adopt in one quick step.
 class PreparedDocument {
@@ -46,7 +79,7 @@ private:
     std::vector<int> lines_; // lines per block when breaksInBlocks_
     bool breaksInBlocks_ = false;
     bool longLines_ = false;
-    char16_t loneCr_ = 0x240D;
+    StandIns standIns_;
 };
 
 class PlainTextEditControl : public QObject, public EditControl, public EditView {
@@ -115,7 +148,7 @@ private:
     bool rich_ = false;
     // A QChar::LineSeparator in the widget is a line break of the model (the text had none).
     bool breaksInBlocks_ = false;
-    char16_t loneCr_ = 0x240D; // what stands for a lone CR in the widget
+    StandIns standIns_; // what stands in the widget for the characters it does not keep
     BusyWork* busy_ = nullptr;
     bool lineCountsPending_ = false;
     QElapsedTimer doubleClick_;
@@ -124,18 +157,15 @@ private:
     mutable int breaksValid_ = 0;
 };
 
-// Model text (CR LF breaks) -> what the widget holds (one LF per break), and back.
-// A CR that is not part of a line break is held in the widget as `loneCr` (see loneCrStandIn).
-QString modelToWidgetText(const QString& model, char16_t loneCr = 0x240D);
+// Model text (CR LF breaks) -> what the widget holds (one LF per break), and back, with the
+// characters the widget does not keep held as their stand-ins.
+QString modelToWidgetText(const QString& model, const StandIns& standIns = StandIns());
 QString widgetToModelText(const QString& raw, bool breaksInBlocks = false,
-                          char16_t loneCr = 0x240D);
-// The character that stands for a lone CR in the widget: the visible CR symbol, or when the text
-// holds that symbol itself, a character it does not hold.
-char16_t loneCrStandIn(const QString& model);
+                          const StandIns& standIns = StandIns());
 
 // Model text -> widget text in blocks of several lines (see above); `linesPerBlock` receives the
 // number of lines of each block.
 QString modelToWidgetBlocks(const QString& model, std::vector<int>& linesPerBlock,
-                            char16_t loneCr = 0x240D);
+                            const StandIns& standIns = StandIns());
 
 } // namespace ed

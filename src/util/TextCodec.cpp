@@ -229,6 +229,10 @@ QString fromModelBreaks(const QString& model, LineBreak style) {
     return out;
 }
 
+// The byte order mark is skipped by hand; a U+FEFF right after it is a character of the text.
+constexpr auto kKeepLeadingFeff =
+    QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom;
+
 QString decodeText(const QByteArray& bytes, TextFormat* format) {
     TextFormat f;
     QString text;
@@ -239,11 +243,11 @@ QString decodeText(const QByteArray& bytes, TextFormat* format) {
         f.encoding = Encoding::Utf8Bom;
     } else if (n >= 2 && n % 2 == 0 && uchar(p[0]) == 0xFF && uchar(p[1]) == 0xFE) {
         f.encoding = Encoding::Utf16LE;
-        QStringDecoder dec(QStringDecoder::Utf16LE, QStringDecoder::Flag::Stateless);
+        QStringDecoder dec(QStringDecoder::Utf16LE, kKeepLeadingFeff);
         text = dec(QByteArrayView(p + 2, n - 2));
     } else if (n >= 2 && n % 2 == 0 && uchar(p[0]) == 0xFE && uchar(p[1]) == 0xFF) {
         f.encoding = Encoding::Utf16BE;
-        QStringDecoder dec(QStringDecoder::Utf16BE, QStringDecoder::Flag::Stateless);
+        QStringDecoder dec(QStringDecoder::Utf16BE, kKeepLeadingFeff);
         text = dec(QByteArrayView(p + 2, n - 2));
     } else if (decodeValidUtf8(p, n, text)) {
         f.encoding = Encoding::Utf8;

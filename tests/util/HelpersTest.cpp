@@ -46,9 +46,9 @@ TEST(CountChar, CountsOverlappingOccurrences) {
         int expected;
     };
     const std::vector<Case> cases = {
-        {"aaa", "aa", true, 2},   {"Abc abc", "abc", true, 1}, {"Abc abc", "abc", false, 2},
-        {"", "a", false, 0},      {"abc", "", true, 0},         {"a/b/c/d", "/", true, 3},
-        {"ÄäÄ", "ä", false, 3},  {"😀😀", "😀", true, 2},
+        {"aaa", "aa", true, 2}, {"Abc abc", "abc", true, 1}, {"Abc abc", "abc", false, 2},
+        {"", "a", false, 0},    {"abc", "", true, 0},        {"a/b/c/d", "/", true, 3},
+        {"ÄäÄ", "ä", false, 3}, {"😀😀", "😀", true, 2},
     };
     for (const Case& c : cases)
         EXPECT_EQ(u.CountChar(c.text, c.find, c.cs), c.expected) << c.text << " / " << c.find;
@@ -156,7 +156,15 @@ TEST(TextCodec, RoundTripsEveryKindOfFileByteForByte) {
         "", "a\r\nb\r\n", "a\nb\n", "a\nb", "mixed\r\nand\nlone\rcr\r\n", "old\rmac\r",
         "\xEF\xBB\xBFwith bom\r\n", "caf\xC3\xA9 \xF0\x9F\x98\x80\n", "latin \xE9\xE8\xFF\r\n",
         QByteArray("bin\0ary\x80\x81\xFE\xFF\r\n\n\r", 15), "\xFF\xFEh\0i\0\r\0\n\0",
-        "\xFE\xFF\0h\0i\0\n", "\xC0\xAF overlong"};
+        "\xFE\xFF\0h\0i\0\n", "\xC0\xAF overlong",
+        // A text that starts with U+FEFF of its own, after the byte order mark.
+        QByteArray("\xFF\xFE\xFF\xFE"
+                   "A\0",
+                   6),
+        QByteArray("\xFE\xFF\xFE\xFF\0A", 6),
+        "\xEF\xBB\xBF\xEF\xBB\xBF"
+        "A",
+        QByteArray("\xFF\xFE\xFF\xFE", 4)};
     for (const QByteArray& bytes : files) {
         TextFormat f;
         const QString model = decodeText(bytes, &f);
