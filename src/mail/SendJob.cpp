@@ -1,0 +1,87 @@
+// Sends one message per delivery address and collects what became of each.
+
+#include "mail/SendJob.h"
+
+#include "web/WebText.h"
+
+#include <QRegularExpression>
+
+namespace ed::mail {
+
+QStringList splitAddresses(const QString& text) {
+    static const QRegularExpression separators(QStringLiteral("[\\r\\n,;]+"));
+    QStringList out;
+    for (const QString& piece : text.split(separators, Qt::SkipEmptyParts)) {
+        const QString address = piece.trimmed();
+        if (!address.isEmpty())
+            out << address;
+    }
+    return out;
+}
+
+bool isDeliverable(const QString& address) {
+    return web::isThisEmailOrLink(address, false) == web::EmailAddress;
+}
+
+QString checkRequest(const SendRequest& r) {
+    if (r.addresses.isEmpty())
+        return QStringLiteral("There is no delivery address.");
+    if (!isDeliverable(r.from))
+        return QStringLiteral("The sender \"%1\" is not an e-mail address.").arg(r.from);
+    if (r.server.host.isEmpty())
+        return QStringLiteral("There is no mail server.");
+    return {};
+}
+
+QString statusWord(AddressStatus status) {
+    switch (status) {
+    case AddressStatus::Sent:
+        return QStringLiteral("sent");
+    case AddressStatus::Skipped:
+        return QStringLiteral("skipped");
+    case AddressStatus::Failed:
+        return QStringLiteral("failed");
+    case AddressStatus::Cancelled:
+        return QStringLiteral("cancelled");
+    }
+    return {};
+}
+
+std::vector<AddressResult> runSend(const SendRequest& r, MailTransport& transport,
+                                   const std::atomic_bool& cancel,
+                                   const std::function<void(int, const AddressResult&)>& onResult) {
+    std::vector<AddressResult> results;
+    const std::function<bool()> cancelled = [&cancel] { return cancel.load(); };
+    for (int i = 0; i < r.addresses.size(); ++i) {
+        AddressResult result;
+        result.address = r.addresses[i];
+        if (cancel.load()) {
+            result.status = AddressStatus::Cancelled;
+        } else if (!isDeliverable(result.address)) {
+            result.status = AddressStatus::Skipped;
+            result.reason = QStringLiteral("not an e-mail address");
+        } else {
+            MailMessage m;
+            m.from = r.from;
+            m.to = result.address;
+            m.subject = r.subject;
+            m.body = r.body;
+            m.date = QDateTime::currentDateTime();
+            m.messageId = makeMessageId(r.from);
+            m.hasAttachment = r.hasAttachment;
+            m.attachment = r.attachment;
+            const SendOutcome o = transport.send(r.server, r.from, result.address, buildMime(m),
+                                                 cancelled);
+            result.status = o.sent        ? AddressStatus::Sent
+                            : o.cancelled ? AddressStatus::Cancelled
+                                          : AddressStatus::Failed;
+            result.reason = o.reason;
+        }
+        if (onResult)
+            onResult(i, result);
+        results.push_back(result);
+    }
+    return results;
+}
+
+} // namespace ed::mail
