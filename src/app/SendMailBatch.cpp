@@ -14,9 +14,9 @@ namespace ed {
 
 namespace {
 
-const QStringList kFieldNames = {QStringLiteral("to"),       QStringLiteral("subject"),
-                                 QStringLiteral("from"),     QStringLiteral("server"),
-                                 QStringLiteral("security"), QStringLiteral("user"),
+const QStringList kFieldNames = {QStringLiteral("to"),         QStringLiteral("subject"),
+                                 QStringLiteral("from"),       QStringLiteral("server"),
+                                 QStringLiteral("security"),   QStringLiteral("user"),
                                  QStringLiteral("attachment"), QStringLiteral("timeout")};
 
 struct MailArguments {
@@ -68,10 +68,8 @@ bool parseMailArguments(const QStringList& args, MailArguments& m, QString& erro
 // The `to` field: a file of addresses when such a file exists, else a list separated by ",".
 bool readAddresses(const QString& to, QStringList& addresses, QString& error) {
     if (QFile::exists(to)) {
-        LoadedDocument doc;
-        if (!readDocumentFile(to, doc, error))
+        if (!mail::readAddressFile(to, addresses, error))
             return false;
-        addresses = mail::splitAddresses(doc.text);
     } else {
         addresses = mail::splitAddresses(to);
     }
@@ -83,11 +81,12 @@ bool buildRequest(const MailArguments& m, mail::SendRequest& r, QString& error) 
         return false;
     r.subject = m.fields.value(QStringLiteral("subject"));
     r.from = m.fields.value(QStringLiteral("from"));
-    if (!mail::parseServer(m.fields.value(QStringLiteral("server"), QStringLiteral("localhost:587")),
-                           587, r.server.host, r.server.port, error))
+    if (!mail::parseServer(
+            m.fields.value(QStringLiteral("server"), QStringLiteral("localhost:587")), 587,
+            r.server.host, r.server.port, error))
         return false;
-    const QString security = m.fields.value(QStringLiteral("security"), QStringLiteral("starttls"))
-                                 .toLower();
+    const QString security =
+        m.fields.value(QStringLiteral("security"), QStringLiteral("starttls")).toLower();
     if (security == u"starttls") {
         r.server.security = mail::Security::StartTls;
     } else if (security == u"tls") {

@@ -53,7 +53,9 @@ struct SlistDeleter {
     void operator()(curl_slist* l) const { curl_slist_free_all(l); }
 };
 
-QByteArray angleAddress(const QString& address) { return "<" + address.trimmed().toUtf8() + ">"; }
+QByteArray angleAddress(const QString& address) {
+    return "<" + address.trimmed().toUtf8() + ">";
+}
 
 } // namespace
 

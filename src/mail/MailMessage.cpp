@@ -53,8 +53,8 @@ QByteArray quotedPrintable(const QByteArray& utf8) {
             continue;
         }
         const bool lineEndFollows = i + 1 == utf8.size() || utf8[i + 1] == '\r';
-        const bool plain = (c >= 33 && c <= 126 && c != '=') ||
-                           ((c == ' ' || c == '\t') && !lineEndFollows);
+        const bool plain =
+            (c >= 33 && c <= 126 && c != '=') || ((c == ' ' || c == '\t') && !lineEndFollows);
         // A dot at the start of a line is encoded too, so no relay ever sees a lone ".".
         if (plain && !(c == '.' && lineLength == 0))
             put(QByteArray(1, char(c)));
@@ -72,10 +72,14 @@ QString toCrLf(QString text) {
 }
 
 QByteArray rfc2822Date(const QDateTime& when) {
-    return (when.isValid() ? when : QDateTime::currentDateTime()).toString(Qt::RFC2822Date).toLatin1();
+    return (when.isValid() ? when : QDateTime::currentDateTime())
+        .toString(Qt::RFC2822Date)
+        .toLatin1();
 }
 
-QByteArray headerAddress(const QString& address) { return address.trimmed().toUtf8(); }
+QByteArray headerAddress(const QString& address) {
+    return address.trimmed().toUtf8();
+}
 
 // A file name parameter; non-ASCII names use RFC 2231's UTF-8 form.
 QByteArray fileNameParameter(const QString& name) {
@@ -152,13 +156,14 @@ QByteArray buildMime(const MailMessage& m) {
     out += "Content-Type: multipart/mixed; boundary=\"" + boundary + "\"\r\n\r\n";
     out += "This is a message in MIME format.\r\n";
     out += "--" + boundary + "\r\n" + textPart;
-    const QString type = m.attachment.mimeType.isEmpty() ? QStringLiteral("application/octet-stream")
-                                                         : m.attachment.mimeType;
+    const QString type = m.attachment.mimeType.isEmpty()
+                             ? QStringLiteral("application/octet-stream")
+                             : m.attachment.mimeType;
     out += "--" + boundary + "\r\n";
     out += "Content-Type: " + type.toLatin1() + "\r\n";
     out += "Content-Transfer-Encoding: base64\r\n";
-    out += "Content-Disposition: attachment; " + fileNameParameter(m.attachment.fileName) +
-           "\r\n\r\n";
+    out +=
+        "Content-Disposition: attachment; " + fileNameParameter(m.attachment.fileName) + "\r\n\r\n";
     out += base64Lines(m.attachment.bytes);
     out += "--" + boundary + "--\r\n";
     return out;
@@ -172,7 +177,8 @@ bool loadAttachment(const QString& path, Attachment& attachment, QString& error)
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        error = QStringLiteral("The attachment %1 cannot be read: %2").arg(path, file.errorString());
+        error =
+            QStringLiteral("The attachment %1 cannot be read: %2").arg(path, file.errorString());
         return false;
     }
     attachment.bytes = file.readAll();

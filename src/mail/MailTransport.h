@@ -15,7 +15,7 @@ struct SmtpServer {
     QString host;
     int port = 587;
     Security security = Security::StartTls;
-    QString user;     // "" sends no AUTH
+    QString user; // "" sends no AUTH
     QString password;
     int connectTimeoutSeconds = 30;
     // The longest a server may stay silent before the send gives up.

@@ -2,7 +2,10 @@
 
 #include "mail/SendJob.h"
 
+#include "util/TextCodec.h"
 #include "web/WebText.h"
+
+#include <QFile>
 
 #include <QRegularExpression>
 
@@ -17,6 +20,17 @@ QStringList splitAddresses(const QString& text) {
             out << address;
     }
     return out;
+}
+
+bool readAddressFile(const QString& path, QStringList& addresses, QString& error) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error =
+            QStringLiteral("The address list %1 cannot be read: %2").arg(path, file.errorString());
+        return false;
+    }
+    addresses = splitAddresses(decodeText(file.readAll(), nullptr));
+    return true;
 }
 
 bool isDeliverable(const QString& address) {
@@ -70,8 +84,8 @@ std::vector<AddressResult> runSend(const SendRequest& r, MailTransport& transpor
             m.messageId = makeMessageId(r.from);
             m.hasAttachment = r.hasAttachment;
             m.attachment = r.attachment;
-            const SendOutcome o = transport.send(r.server, r.from, result.address, buildMime(m),
-                                                 cancelled);
+            const SendOutcome o =
+                transport.send(r.server, r.from, result.address, buildMime(m), cancelled);
             result.status = o.sent        ? AddressStatus::Sent
                             : o.cancelled ? AddressStatus::Cancelled
                                           : AddressStatus::Failed;

@@ -34,6 +34,9 @@ struct SendRequest {
 // Delivery addresses from text: one per line, or separated by "," or ";"; blanks dropped.
 QStringList splitAddresses(const QString& text);
 
+// The addresses in a text file in any of the encodings documents may have. False with `error`.
+bool readAddressFile(const QString& path, QStringList& addresses, QString& error);
+
 // Whether an address is one mail can go to.
 bool isDeliverable(const QString& address);
 
@@ -42,10 +45,9 @@ QString checkRequest(const SendRequest& request);
 
 // Sends to each address in turn. `onResult` sees each address once, in order (after the
 // cancellation every address left is reported as cancelled).
-std::vector<AddressResult> runSend(const SendRequest& request, MailTransport& transport,
-                                   const std::atomic_bool& cancel,
-                                   const std::function<void(int index, const AddressResult&)>&
-                                       onResult = {});
+std::vector<AddressResult>
+runSend(const SendRequest& request, MailTransport& transport, const std::atomic_bool& cancel,
+        const std::function<void(int index, const AddressResult&)>& onResult = {});
 
 // "sent", "skipped", "failed", "cancelled".
 QString statusWord(AddressStatus status);
