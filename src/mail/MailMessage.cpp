@@ -130,7 +130,10 @@ QString makeMessageId(const QString& from) {
 
 QByteArray buildMime(const MailMessage& m) {
     const QByteArray body = toCrLf(m.body).toUtf8();
-    const QByteArray qp = quotedPrintable(body);
+    QByteArray qp = quotedPrintable(body);
+    // A soft line break at the very end: a body without a final line break arrives without one.
+    if (!body.isEmpty() && !body.endsWith("\r\n"))
+        qp += "=\r\n";
     const QByteArray b64 = base64Lines(body);
     const bool useQp = qp.size() <= b64.size();
 
@@ -138,8 +141,6 @@ QByteArray buildMime(const MailMessage& m) {
                           "Content-Transfer-Encoding: ";
     textPart += useQp ? "quoted-printable\r\n\r\n" : "base64\r\n\r\n";
     textPart += useQp ? qp : b64;
-    if (!textPart.endsWith("\r\n"))
-        textPart += "\r\n";
 
     QByteArray out;
     out += "Date: " + rfc2822Date(m.date) + "\r\n";
@@ -155,7 +156,8 @@ QByteArray buildMime(const MailMessage& m) {
         "=_part_" + QByteArray::number(QRandomGenerator::system()->generate64(), 36);
     out += "Content-Type: multipart/mixed; boundary=\"" + boundary + "\"\r\n\r\n";
     out += "This is a message in MIME format.\r\n";
-    out += "--" + boundary + "\r\n" + textPart;
+    // The line break before each boundary belongs to the boundary, not to the part.
+    out += "--" + boundary + "\r\n" + textPart + "\r\n";
     const QString type = m.attachment.mimeType.isEmpty()
                              ? QStringLiteral("application/octet-stream")
                              : m.attachment.mimeType;
@@ -165,7 +167,7 @@ QByteArray buildMime(const MailMessage& m) {
     out +=
         "Content-Disposition: attachment; " + fileNameParameter(m.attachment.fileName) + "\r\n\r\n";
     out += base64Lines(m.attachment.bytes);
-    out += "--" + boundary + "--\r\n";
+    out += "\r\n--" + boundary + "--\r\n";
     return out;
 }
 
