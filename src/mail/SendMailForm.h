@@ -34,6 +34,8 @@ public:
     ~SendMailForm() override;
 
     bool sending() const { return worker_ != nullptr; }
+    // The text every message carries.
+    const QString& body() const { return body_; }
     // Starts a send as the Send button does; false (with the reason shown) when the form's
     // fields stop it before anything is sent.
     bool send();

@@ -6,6 +6,7 @@
 #include "support/Fakes.h"
 #include "web/WaitLoop.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -115,6 +116,26 @@ TEST_F(SendMailFormTest, CancelEndsASendToASilentServer) {
     ASSERT_TRUE(web::waitUntil([&] { return !form->sending(); }, 30000, 10));
     EXPECT_EQ(results(), QStringList({"cancelled a@example.com", "cancelled b@example.com"}));
     EXPECT_TRUE(form->isVisible()); // Cancel stopped the send, it did not close the form
+}
+
+TEST(SendEmailCommand, OpensTheFormOnTheSelectionElseTheWholeText) {
+    qputenv("EDITOR_NO_KEYCHAIN", "1");
+    for (const bool select : {false, true}) {
+        Harness h("one\r\ntwo");
+        if (select)
+            h.select(5, 3);
+        h.run("mnuSendAsEmail");
+        mail::SendMailForm* form = nullptr;
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            if (w->objectName() == "frmSendMail" && w->isVisible())
+                form = qobject_cast<mail::SendMailForm*>(w);
+        }
+        ASSERT_NE(form, nullptr);
+        EXPECT_EQ(form->body(), select ? "two" : "one\r\ntwo");
+        EXPECT_EQ(form->findChild<QLineEdit*>("txtServer")->text(), "localhost:587");
+        EXPECT_EQ(form->findChild<QComboBox*>("cboSecurity")->currentText(), "STARTTLS");
+        delete form;
+    }
 }
 
 } // namespace
