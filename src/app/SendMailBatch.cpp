@@ -70,6 +70,9 @@ bool readAddresses(const QString& to, QStringList& addresses, QString& error) {
     if (QFile::exists(to)) {
         if (!mail::readAddressFile(to, addresses, error))
             return false;
+    } else if (!to.trimmed().isEmpty() && !to.contains(u'@')) {
+        error = QStringLiteral("the address list %1 does not exist").arg(to);
+        return false;
     } else {
         addresses = mail::splitAddresses(to);
     }
