@@ -11,6 +11,46 @@
 
 namespace ed::mail {
 
+bool parseServer(const QString& text, int defaultPort, QString& host, int& port, QString& error) {
+    const QString t = text.trimmed();
+    port = defaultPort;
+    QString portText;
+    if (t.startsWith(u'[')) {
+        const qsizetype close = t.indexOf(u']');
+        if (close < 0) {
+            error = QStringLiteral("The server \"%1\" is not host:port.").arg(text);
+            return false;
+        }
+        host = t.mid(1, close - 1);
+        if (close + 1 < t.size()) {
+            if (t.at(close + 1) != u':') {
+                error = QStringLiteral("The server \"%1\" is not host:port.").arg(text);
+                return false;
+            }
+            portText = t.mid(close + 2);
+        }
+    } else if (t.count(u':') == 1) {
+        host = t.section(u':', 0, 0);
+        portText = t.section(u':', 1);
+    } else {
+        host = t;
+    }
+    if (host.isEmpty() || host.contains(u' ') || host.contains(u'/') || host.contains(u'@')) {
+        error = QStringLiteral("The server \"%1\" is not host:port.").arg(text);
+        return false;
+    }
+    if (!portText.isNull()) {
+        bool ok = false;
+        port = portText.toInt(&ok);
+        if (!ok || port < 1 || port > 65535) {
+            error = QStringLiteral("The server's port \"%1\" is not a number from 1 to 65535.")
+                        .arg(portText);
+            return false;
+        }
+    }
+    return true;
+}
+
 QStringList splitAddresses(const QString& text) {
     static const QRegularExpression separators(QStringLiteral("[\\r\\n,;]+"));
     QStringList out;

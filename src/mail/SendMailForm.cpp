@@ -54,6 +54,7 @@ SendMailForm::~SendMailForm() {
     if (worker_) {
         cancel_ = true;
         worker_->wait();
+        delete worker_;
     }
 }
 
