@@ -2,9 +2,11 @@
 // otherwise it opens the editor window on the file named on the command line.
 
 #include "app/BatchRunner.h"
+#include "app/SendMailBatch.h"
 #include "app/SettingsStore.h"
 #include "app/StartUp.h"
 #include "editor/WindowMain.h"
+#include "mail/CurlTransport.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -20,6 +22,12 @@ const char* kUsage =
     "         [--apply ITEM ...] [--report] [--out FILE] [FILE]\n"
     "                                run menu commands on FILE (or standard input) without a\n"
     "                                window and print the resulting document\n"
+    "  Editor --apply SendAsEmail --field NAME=VALUE... [--report] [FILE]\n"
+    "                                send FILE as the body of one e-mail per address; fields:\n"
+    "                                to (a file of addresses or a,b,c), subject, from, server\n"
+    "                                (host:port), security (starttls, tls, none), user,\n"
+    "                                attachment, timeout (seconds); the password comes from\n"
+    "                                EDITOR_SMTP_PASSWORD. Exit status 1 when any address failed\n"
     "  Editor --list                 the commands --apply accepts, with their captions\n"
     "  Editor --settings-path        the file that holds this installation's settings\n"
     "  Editor --version | --help\n";
@@ -59,6 +67,10 @@ int main(int argc, char** argv) {
             std::printf("%s\n",
                         ed::SettingsStore().filePath(startUp.RegKeyAppName).toLocal8Bit().constData());
             return 0;
+        }
+        if (ed::isSendMailBatch(args)) {
+            ed::mail::CurlTransport transport;
+            return ed::runSendMailBatch(args, transport, stderr);
         }
         ed::BatchOptions options;
         QString error;

@@ -7,6 +7,7 @@
 #include "editor/Placement.h"
 #include "editor/SearchCommands.h"
 #include "editor/ViewCommands.h"
+#include "mail/SendMailCommand.h"
 #include "textcmds/Case.h"
 #include "textcmds/CodeArray.h"
 #include "textcmds/CountsDates.h"
@@ -70,7 +71,7 @@ const std::vector<MenuItemDecl> kItems = {
      nullptr},
     // Web
     {"mnuWeb", "Web", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, mnuSendAsEmail_Click, nullptr, nullptr},
     {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", W, nullptr, nullptr, nullptr},
     {"mnuSearchGoogle", "Search Google", "mnuWeb", "", W, nullptr, nullptr, nullptr},
     {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, mnuNavigateToSel_Click, nullptr,
