@@ -53,8 +53,8 @@ bool mayReplace(CommandContext& ctx, const QString& path, bool rtf) {
         if (ctx.dialogs.ask(QStringLiteral("%1 holds characters that its encoding cannot store. "
                                            "Save it as UTF-8?")
                                 .arg(path),
-                            defaultTitle(), Buttons::OkCancel, Icon::Question,
-                            Answer::Ok) != Answer::Ok)
+                            defaultTitle(), Buttons::YesCancel, Icon::Question,
+                            Answer::Yes) != Answer::Yes)
             return false;
         store.useUtf8();
     }
