@@ -299,6 +299,7 @@ void EditorWindow::runItem(const QString& name) {
         return;
     // Each command is one step of the history; commands run by commands are part of theirs.
     const bool outermost = running_ == 0;
+    const QString captionBefore = form_.caption;
     if (outermost)
         commitTyping();
     ++running_;
@@ -312,8 +313,11 @@ void EditorWindow::runItem(const QString& name) {
     edit_->takeUserEdited();
     const QString now = edit_->text();
     const bool historyItem = name == u"mnuUndo" || name == u"mnuRedo";
+    // New, Open and Delete start a fresh history, unless the person cancelled them.
     const bool newDocument =
-        name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" || name == u"mnuDelete";
+        (name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" ||
+         name == u"mnuDelete") &&
+        (now != committed_ || form_.caption != captionBefore);
     if (newDocument)
         history_->clear();
     else if (!historyItem && now != committed_)

@@ -171,6 +171,10 @@ TEST_F(FileSafetyTest, UnsavedChangesAreAskedAbout) {
         const bool stillThere = text() == "typedfirst\r\n" && window_->isVisible();
         EXPECT_EQ(stillThere, !c.proceeds);
         EXPECT_EQ(readFile(path("a.txt")), c.saved);
+        if (!c.proceeds) { // the typing can still be undone
+            window_->trigger("mnuUndo");
+            EXPECT_EQ(text(), "first\r\n");
+        }
     }
 }
 
