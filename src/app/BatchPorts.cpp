@@ -37,9 +37,7 @@ Answer ScriptedDialogs::messageBox(const QString& text, const QString& title, Bu
     report_(QStringLiteral("message: %1 | %2").arg(escapeReport(text), escapeReport(title)));
     if (buttons == Buttons::Ok)
         return Answer::Ok;
-    const Answer none = buttons == Buttons::YesNoCancel || buttons == Buttons::OkCancel
-                            ? Answer::Cancel
-                            : Answer::No;
+    const Answer none = buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
     if (answers_.isEmpty())
         return none;
     const QString a = answers_.takeFirst().trimmed().toLower();

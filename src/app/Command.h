@@ -48,6 +48,12 @@ public:
     virtual void showAbout() {}
     // Shows the window (the last step of its load).
     virtual void showWindow() {}
+    // Whether the document differs from what was last loaded or saved. Only the window tracks
+    // it; elsewhere nothing is ever unsaved.
+    virtual bool isModified() const { return false; }
+    virtual void setModified(bool modified) { (void)modified; }
+    // The document was saved, or its changes were dropped on purpose: its recovery copy goes.
+    virtual void dropRecovery() {}
 };
 
 // Loading and saving the document as the edit control holds it, as text or as RTF. The store
@@ -64,6 +70,16 @@ public:
     virtual bool save(const QString& path, bool rtf, QString& error) = 0;
     // Forgets the remembered format: the next save writes a new document's format.
     virtual void reset() = 0;
+    // The file the document's content came from: loaded from or last saved to; "" when none
+    // (a new document, a failed load).
+    virtual QString origin() const { return {}; }
+    // True when the file at origin() is no longer the one loaded or saved: another program
+    // changed, replaced or removed it since.
+    virtual bool originChanged() const { return false; }
+    // False when the document holds characters that the file's encoding cannot store.
+    virtual bool encodingFits() const { return true; }
+    // The next saves write UTF-8.
+    virtual void useUtf8() {}
 };
 
 // The window's size, position and on-top state in twips (15 twips a pixel), and the screen's.

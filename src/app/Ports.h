@@ -49,12 +49,14 @@ public:
     virtual void setRightMargin(int twips) = 0;
 };
 
-enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel, YesCancel };
 enum class Icon { None, Critical, Question, Exclamation, Information };
 enum class Answer { Ok, Cancel, Yes, No };
 
 // The title the platform gives a prompt or message box that names none of its own.
-inline QString defaultTitle() { return QStringLiteral("Editor"); }
+inline QString defaultTitle() {
+    return QStringLiteral("Editor");
+}
 
 class Dialogs {
 public:
@@ -64,20 +66,27 @@ public:
                              const QString& defaultAnswer) = 0;
     virtual Answer messageBox(const QString& text, const QString& title, Buttons buttons,
                               Icon icon) = 0;
+    // A question whose `defaultButton` is the one Enter presses (No for anything that would
+    // overwrite a file). Scripted dialogs answer it as any other message box.
+    virtual Answer ask(const QString& text, const QString& title, Buttons buttons, Icon icon,
+                       Answer defaultButton) {
+        (void)defaultButton;
+        return messageBox(text, title, buttons, icon);
+    }
 };
 
 // Open, save and font dialogs of the window. The batch runner has none of them.
 struct FileDialogRequest {
     QString title;
-    QString filter;         // "All files *.*|*.*|Text files *.txt|*.txt|..."
-    int filterIndex = 0;    // 1-based as in the filter; 0 = first
+    QString filter;      // "All files *.*|*.*|Text files *.txt|*.txt|..."
+    int filterIndex = 0; // 1-based as in the filter; 0 = first
     QString initialDir;
-    QString fileName;       // proposed name
+    QString fileName; // proposed name
     QString defaultExtension;
 };
 struct FileDialogResult {
-    QString fileName;       // empty when cancelled
-    int filterIndex = 1;    // 1-based filter chosen
+    QString fileName;    // empty when cancelled
+    int filterIndex = 1; // 1-based filter chosen
 };
 class FileDialogs {
 public:

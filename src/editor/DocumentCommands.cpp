@@ -33,7 +33,72 @@ void tellSaveFailed(CommandContext& ctx, const QString& path, const QString& err
         QStringLiteral("Save failed"), Buttons::Ok, Icon::Critical);
 }
 
+// The questions before a save may overwrite something the document did not come from. False
+// when the save should not go ahead.
+bool mayReplace(CommandContext& ctx, const QString& path, bool rtf) {
+    DocumentFiles& store = files(ctx);
+    if (store.origin() == path) {
+        if (store.originChanged() &&
+            ctx.dialogs.ask(
+                QStringLiteral("%1 was changed by another program. Replace it?").arg(path),
+                defaultTitle(), Buttons::YesNo, Icon::Exclamation, Answer::No) != Answer::Yes)
+            return false;
+    } else if (QFileInfo::exists(path) &&
+               ctx.dialogs.ask(QStringLiteral("Replace %1 with this document?").arg(path),
+                               defaultTitle(), Buttons::YesNo, Icon::Exclamation,
+                               Answer::No) != Answer::Yes) {
+        return false;
+    }
+    if (!rtf && !store.encodingFits()) {
+        if (ctx.dialogs.ask(QStringLiteral("%1 holds characters that its encoding cannot store. "
+                                           "Save it as UTF-8?")
+                                .arg(path),
+                            defaultTitle(), Buttons::YesCancel, Icon::Question,
+                            Answer::Yes) != Answer::Yes)
+            return false;
+        store.useUtf8();
+    }
+    return true;
+}
+
+// Saves to `path`; false (after saying why) when nothing was written.
+bool saveTo(CommandContext& ctx, const QString& path, bool rtf) {
+    if (!mayReplace(ctx, path, rtf)) {
+        ctx.window.showStatus(QStringLiteral("Not saved: %1 was left as it was").arg(path));
+        return false;
+    }
+    QString error;
+    if (!files(ctx).save(path, rtf, error)) {
+        tellSaveFailed(ctx, path, error);
+        throw RuntimeError(error.toStdString());
+    }
+    ctx.window.setModified(false);
+    ctx.window.dropRecovery();
+    return true;
+}
+
 } // namespace
+
+bool confirmDiscard(CommandContext& ctx) {
+    if (!ctx.window.isModified())
+        return true;
+    const QString path = ctx.window.caption().trimmed();
+    switch (ctx.dialogs.ask(QStringLiteral("Save changes to %1?").arg(path), defaultTitle(),
+                            Buttons::YesNoCancel, Icon::Question, Answer::Yes)) {
+    case Answer::Yes: {
+        bool saved = false;
+        trapped(ctx.log, "frmEdit", QStringLiteral("Sub SaveBeforeClosing"),
+                [&] { saved = saveTo(ctx, path, documentExtension(path) == u"rtf"); });
+        return saved;
+    }
+    case Answer::No:
+        ctx.window.setModified(false);
+        ctx.window.dropRecovery();
+        return true;
+    default:
+        return false;
+    }
+}
 
 QString documentFilter() {
     return QStringLiteral(
@@ -80,6 +145,12 @@ bool LoadNewFile(CommandContext& ctx, const QString& path) {
             SetFont(ctx);
         ctx.window.setCaption(path);
     });
+    // Loaded or emptied by a failed load, the document holds nothing unsaved; a failed load
+    // has no origin, so a later Save asks before replacing the file it names.
+    if (!cancelled) {
+        ctx.window.setModified(false);
+        ctx.window.dropRecovery();
+    }
     return !cancelled;
 }
 
@@ -95,17 +166,30 @@ void openInPlace(CommandContext& ctx, const QString& path) {
     }
 }
 
-void mnuNew_Click(CommandContext& ctx) {
+namespace {
+void startNewDocument(CommandContext& ctx) {
     ctx.edit.setText(QString());
     if (ctx.files)
         ctx.files->reset();
     ctx.form.FileName = GetNewFile(ctx);
     ctx.window.setCaption(ctx.form.FileName);
+    ctx.window.setModified(false);
+    ctx.window.dropRecovery();
+}
+} // namespace
+
+void mnuNew_Click(CommandContext& ctx) {
+    if (confirmDiscard(ctx))
+        startNewDocument(ctx);
 }
 
 void mnuOpen_Click(CommandContext& ctx) {
     if (!ctx.fileDialogs)
         throw RuntimeError("No file dialog");
+    if (!confirmDiscard(ctx)) {
+        ctx.form.OpenSelectPending = false;
+        return;
+    }
     const QString quick = ctx.settings.get(kSection, QStringLiteral("FEQuickDir"), QString());
     FileDialogRequest req;
     req.filter = documentFilter();
@@ -132,12 +216,8 @@ void mnuOpenSelect_Click(CommandContext& ctx) {
 void mnuSave_Click(CommandContext& ctx) {
     const QString path = ctx.window.caption().trimmed();
     const QString ext = ctx.util.InStrRevGetEnding(path, QStringLiteral(".")).toLower();
-    QString error;
-    if (!files(ctx).save(path, ext == u"rtf", error)) {
-        tellSaveFailed(ctx, path, error);
-        throw RuntimeError(error.toStdString());
-    }
-    ctx.window.showStatus(QStringLiteral("Saved %1").arg(path));
+    if (saveTo(ctx, path, ext == u"rtf"))
+        ctx.window.showStatus(QStringLiteral("Saved %1").arg(path));
 }
 
 void mnuSaveAsRTF_Click(CommandContext& ctx) {
@@ -145,12 +225,8 @@ void mnuSaveAsRTF_Click(CommandContext& ctx) {
         ctx.util.InStrRevGetBeginning(ctx.window.caption().trimmed(), QStringLiteral(".")) +
         QStringLiteral("rtf");
     ctx.window.setCaption(name);
-    QString error;
-    if (!files(ctx).save(name, true, error)) {
-        tellSaveFailed(ctx, name, error);
-        throw RuntimeError(error.toStdString());
-    }
-    PutLinkOnMenu(ctx, name);
+    if (saveTo(ctx, name, true))
+        PutLinkOnMenu(ctx, name);
 }
 
 void mnuSaveAs_Click(CommandContext& ctx) {
@@ -197,7 +273,7 @@ void mnuDelete_Click(CommandContext& ctx) {
         throw RuntimeError(QStringLiteral("Cannot delete %1: %2")
                                .arg(ctx.form.FileName, f.errorString())
                                .toStdString());
-    mnuNew_Click(ctx);
+    startNewDocument(ctx);
 }
 
 void mnuInsertTextFromFile_Click(CommandContext& ctx) {

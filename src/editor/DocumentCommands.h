@@ -15,6 +15,9 @@ bool LoadNewFile(CommandContext& ctx, const QString& path);
 // Open and the recent-files list: the link, the name and the load. A cancelled load leaves the
 // document, its name and the caption as they were.
 void openInPlace(CommandContext& ctx, const QString& path);
+// Before the document is replaced or the window closes: asks whether to save unsaved changes.
+// False when the command should stop (Cancel, or the save failed).
+bool confirmDiscard(CommandContext& ctx);
 // Adopts `path` as the document's name: FileName, caption, LastDir and its setting.
 void adoptFileName(CommandContext& ctx, const QString& path, bool setCaption = true);
 

@@ -17,18 +17,56 @@
 
 namespace ed {
 
+void TextDocumentFiles::reset() {
+    format_ = LoadedDocument();
+    forgetOrigin();
+}
+
+void TextDocumentFiles::adoptOrigin(const QString& path) {
+    origin_ = path;
+    originId_ = FileIdentity::of(path);
+}
+
+void TextDocumentFiles::forgetOrigin() {
+    origin_.clear();
+    originId_ = FileIdentity();
+}
+
+bool TextDocumentFiles::originChanged() const {
+    return !origin_.isEmpty() && FileIdentity::of(origin_) != originId_;
+}
+
+bool TextDocumentFiles::encodingFits() const {
+    if (format_.format.encoding != Encoding::Latin1)
+        return true;
+    const QString text = edit_.text();
+    for (QChar c : text)
+        if (c.unicode() > 0xFF)
+            return false;
+    return true;
+}
+
 DocumentFiles::LoadResult TextDocumentFiles::load(const QString& path, bool rtf, QString& error) {
+    // Taken before reading, so a change made while reading shows as a change.
+    const FileIdentity before = FileIdentity::of(path);
     QByteArray bytes;
     if (!readFileBytes(path, bytes, error)) {
+        forgetOrigin();
         edit_.setText(QString());
         return LoadResult::Failed;
     }
     // A file named .rtf that holds no RTF is opened as the text it is.
-    if (rtf && looksLikeRtf(bytes))
-        return loadRtf(bytes, error) ? LoadResult::Loaded : LoadResult::Failed;
-    format_ = decodeDocument(bytes, path);
-    edit_.setText(format_.text);
-    format_.text.clear(); // the control holds the text; keep only the format
+    if (rtf && looksLikeRtf(bytes)) {
+        forgetOrigin();
+        if (!loadRtf(bytes, error))
+            return LoadResult::Failed;
+    } else {
+        format_ = decodeDocument(bytes, path);
+        edit_.setText(format_.text);
+        format_.text.clear(); // the control holds the text; keep only the format
+    }
+    origin_ = path;
+    originId_ = before;
     return LoadResult::Loaded;
 }
 
@@ -55,7 +93,10 @@ bool TextDocumentFiles::save(const QString& path, bool rtf, QString& error) {
     } else {
         bytes = encodeText(edit_.text() + QStringLiteral("\r\n"), format_.format);
     }
-    return writeFileAtomically(path, bytes, error);
+    if (!writeFileAtomically(path, bytes, error))
+        return false;
+    adoptOrigin(path);
+    return true;
 }
 
 WidgetDocumentFiles::WidgetDocumentFiles(PlainTextEditControl& edit, BusyWork* busy)
@@ -75,6 +116,7 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
     };
     auto job = std::make_shared<Job>();
     job->path = path;
+    const FileIdentity before = FileIdentity::of(path);
     QThread* ui = QThread::currentThread();
     auto work = [job, rtf, ui] {
         if (!readFileBytes(job->path, job->bytes, job->error))
@@ -96,15 +138,21 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
     };
     if (!busy_->run(QStringLiteral("Opening \"%1\"...").arg(path), work, job))
         return LoadResult::Cancelled;
+    forgetOrigin();
     if (!job->read) {
         error = job->error;
         edit_.setText(QString());
         return LoadResult::Failed;
     }
-    if (job->isRtf)
-        return loadRtf(job->bytes, error) ? LoadResult::Loaded : LoadResult::Failed;
-    format_ = std::move(job->loaded);
-    widgetEdit_.adopt(std::move(*job->prepared));
+    if (job->isRtf) {
+        if (!loadRtf(job->bytes, error))
+            return LoadResult::Failed;
+    } else {
+        format_ = std::move(job->loaded);
+        widgetEdit_.adopt(std::move(*job->prepared));
+    }
+    origin_ = path;
+    originId_ = before;
     return LoadResult::Loaded;
 }
 

@@ -4,6 +4,7 @@
 
 #include "app/Command.h"
 #include "editor/DocumentIO.h"
+#include "editor/FileIdentity.h"
 
 class QTextDocument;
 
@@ -18,15 +19,24 @@ public:
     explicit TextDocumentFiles(EditControl& edit) : edit_(edit) {}
     LoadResult load(const QString& path, bool rtf, QString& error) override;
     bool save(const QString& path, bool rtf, QString& error) override;
-    void reset() override { format_ = LoadedDocument(); }
+    void reset() override;
+    QString origin() const override { return origin_; }
+    bool originChanged() const override;
+    bool encodingFits() const override;
+    void useUtf8() override { format_.format.encoding = Encoding::Utf8; }
     const TextFormat& format() const { return format_.format; }
 
 protected:
+    // The document now holds the content of `path` (loaded or saved): remember which file.
+    void adoptOrigin(const QString& path);
+    void forgetOrigin();
     virtual bool loadRtf(const QByteArray& bytes, QString& error);
     virtual QByteArray saveRtf();
 
     EditControl& edit_;
     LoadedDocument format_;
+    QString origin_;
+    FileIdentity originId_;
 };
 
 // Over the window's edit control: RTF keeps its fonts and colours.

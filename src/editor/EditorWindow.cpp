@@ -3,12 +3,14 @@
 #include "editor/AboutBox.h"
 #include "editor/BackgroundCommand.h"
 #include "editor/BusyWork.h"
+#include "editor/DocumentCommands.h"
 #include "editor/DocumentStore.h"
 #include "editor/FormLoad.h"
 #include "editor/HistoryCommands.h"
 #include "editor/LinkMenu.h"
 #include "editor/MenuTable.h"
 #include "editor/PlainTextEditControl.h"
+#include "editor/Recovery.h"
 #include "editor/SearchCommands.h"
 #include "editor/UndoHistory.h"
 #include "web/BrowserPort.h"
@@ -17,12 +19,22 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace ed {
+
+namespace {
+// The recovery copy is written this long after typing stops, and at the latest this long after
+// the first change it does not hold yet.
+constexpr int kRecoveryDelayMs = 2000;
+constexpr qint64 kRecoveryLatestMs = 5000;
+} // namespace
 
 EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     : QMainWindow(parent), startUp_(startUp), dialogs_(this), fileDialogs_(this), geometry_(this),
@@ -56,10 +68,118 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     text_->installEventFilter(this);
     makeContext(dialogs_, &fileDialogs_);
     buildMenus();
-    statusBar();
+    modifiedLabel_ = new QLabel(tr("Modified"), this);
+    modifiedLabel_->setObjectName(QStringLiteral("lblModified"));
+    modifiedLabel_->setVisible(false);
+    statusBar()->addPermanentWidget(modifiedLabel_);
+    recovery_ = std::make_unique<RecoveryStore>();
+    recoveryTimer_ = new QTimer(this);
+    recoveryTimer_->setSingleShot(true);
+    recoveryTimer_->setInterval(kRecoveryDelayMs);
+    connect(recoveryTimer_, &QTimer::timeout, this, [this] { writeRecovery(); });
+    connect(text_, &QPlainTextEdit::textChanged, this, [this] { textChanged(); });
 }
 
-EditorWindow::~EditorWindow() = default;
+EditorWindow::~EditorWindow() {
+    // A window torn down without a close (the process ends) leaves its recovery copy behind.
+    recovery_->flush();
+}
+
+void EditorWindow::textChanged() {
+    if (!modified_)
+        setModified(true);
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (pendingSinceMs_ < 0)
+        pendingSinceMs_ = now;
+    if (!recoveryTimer_->isActive() || now - pendingSinceMs_ < kRecoveryLatestMs)
+        recoveryTimer_->start();
+}
+
+void EditorWindow::setModified(bool modified) {
+    modified_ = modified;
+    modifiedLabel_->setVisible(modified);
+    if (!modified) {
+        recoveryTimer_->stop();
+        pendingSinceMs_ = -1;
+    }
+}
+
+void EditorWindow::writeRecovery() {
+    recoveryTimer_->stop();
+    pendingSinceMs_ = -1;
+    if (modified_)
+        recovery_->write(form_.caption, edit_->text(), QDateTime::currentDateTime());
+}
+
+void EditorWindow::dropRecovery() {
+    recoveryTimer_->stop();
+    pendingSinceMs_ = -1;
+    recovery_->remove();
+}
+
+void EditorWindow::restartHistory() {
+    history_->clear();
+    committed_ = edit_->text();
+    edit_->takeUserEdited();
+    updateHistoryItems(*ctx_);
+}
+
+void EditorWindow::offerRecovery() {
+    for (const RecoveredDocument& doc : recovery_->orphans()) {
+        const Answer a = ctx_->dialogs.ask(
+            QStringLiteral("Recover the unsaved changes of %1 from %2?")
+                .arg(doc.path, QLocale().toString(doc.time, QLocale::ShortFormat)),
+            defaultTitle(), Buttons::YesNo, Icon::Question, Answer::Yes);
+        if (a != Answer::Yes) {
+            RecoveryStore::discard(doc.file);
+            continue;
+        }
+        // The recovered text is the document now, unsaved, under its own name; this process
+        // keeps the copy from here on. The file on disk is not its origin: Save asks first.
+        files_->reset();
+        edit_->setText(doc.text);
+        adoptFileName(*ctx_, doc.path);
+        restartHistory();
+        setModified(true);
+        writeRecovery();
+        recovery_->flush();
+        RecoveryStore::discard(doc.file);
+        showStatus(tr("Recovered the unsaved changes of %1").arg(doc.path));
+        return; // one at a time: the others are offered at the next start
+    }
+}
+
+bool EditorWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate)
+        QTimer::singleShot(0, this, [this] { checkFileOnDisk(); });
+    return QMainWindow::event(event);
+}
+
+void EditorWindow::checkFileOnDisk() {
+    const QString path = files_->origin();
+    if (checkingDisk_ || running_ > 0 || path.isEmpty() || path != form_.caption ||
+        !files_->originChanged())
+        return;
+    const FileIdentity now = FileIdentity::of(path);
+    if (!now.exists || now == keptDespite_)
+        return; // a removed file is written again by Save; a declined reload is not asked again
+    checkingDisk_ = true;
+    bool reload = !modified_;
+    if (modified_)
+        reload = ctx_->dialogs.ask(QStringLiteral("%1 was changed by another program. Reload it "
+                                                  "and lose your changes?")
+                                       .arg(path),
+                                   defaultTitle(), Buttons::YesNo, Icon::Exclamation,
+                                   Answer::No) == Answer::Yes;
+    if (reload) {
+        if (LoadNewFile(*ctx_, path))
+            restartHistory();
+        showStatus(tr("Reloaded %1: another program changed it").arg(path));
+    } else {
+        keptDespite_ = now;
+    }
+    checkingDisk_ = false;
+}
 
 void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
     ctx_ = std::make_unique<CommandContext>(
@@ -179,6 +299,7 @@ void EditorWindow::runItem(const QString& name) {
         return;
     // Each command is one step of the history; commands run by commands are part of theirs.
     const bool outermost = running_ == 0;
+    const QString captionBefore = form_.caption;
     if (outermost)
         commitTyping();
     ++running_;
@@ -192,8 +313,11 @@ void EditorWindow::runItem(const QString& name) {
     edit_->takeUserEdited();
     const QString now = edit_->text();
     const bool historyItem = name == u"mnuUndo" || name == u"mnuRedo";
+    // New, Open and Delete start a fresh history, unless the person cancelled them.
     const bool newDocument =
-        name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" || name == u"mnuDelete";
+        (name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" ||
+         name == u"mnuDelete") &&
+        (now != committed_ || form_.caption != captionBefore);
     if (newDocument)
         history_->clear();
     else if (!historyItem && now != committed_)
@@ -224,11 +348,12 @@ void EditorWindow::refreshLinks() {
                         fileMenu_);
         a->setObjectName(QStringLiteral("mnuLnk%1").arg(i + 1));
         connect(a, &QAction::triggered, this, [this, i] {
+            const QString before = form_.caption;
+            const bool wasModified = modified_;
             mnuLnk_Click(*ctx_, i);
-            history_->clear();
-            committed_ = edit_->text();
-            edit_->takeUserEdited();
-            updateHistoryItems(*ctx_);
+            // A recent file that was not opened (Cancel, a missing file) keeps the history.
+            if (form_.caption != before || wasModified != modified_)
+                restartHistory();
         });
         fileMenu_->insertAction(linkAnchor_, a);
         linkActions_ << a;
@@ -237,10 +362,8 @@ void EditorWindow::refreshLinks() {
 
 void EditorWindow::load() {
     Form_Load(*ctx_, startUp_.CommandLine);
-    committed_ = edit_->text();
-    edit_->takeUserEdited();
-    history_->clear();
-    updateHistoryItems(*ctx_);
+    restartHistory();
+    offerRecovery();
 }
 
 void EditorWindow::showWindow() {
@@ -273,6 +396,10 @@ void EditorWindow::showAbout() {
 }
 
 void EditorWindow::closeEvent(QCloseEvent* event) {
+    if (!confirmDiscard(*ctx_)) {
+        event->ignore();
+        return;
+    }
     if (about_)
         about_->close();
     Form_Unload(*ctx_);

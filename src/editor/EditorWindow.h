@@ -6,6 +6,7 @@
 #include "app/ErrorLogger.h"
 #include "app/SettingsStore.h"
 #include "app/SystemPorts.h"
+#include "editor/FileIdentity.h"
 #include "editor/QtPorts.h"
 #include "editor/WindowAdapters.h"
 #include "util/Utility.h"
@@ -15,8 +16,10 @@
 
 #include <memory>
 
+class QLabel;
 class QMenu;
 class QPlainTextEdit;
+class QTimer;
 
 namespace ed {
 
@@ -27,6 +30,7 @@ class BackgroundCommands;
 class BusyWork;
 class BrowserPort;
 class SiteListState;
+class RecoveryStore;
 
 class EditorWindow : public QMainWindow, public FormWindow {
     Q_OBJECT
@@ -45,6 +49,9 @@ public:
     void refreshLinks() override;
     void showAbout() override;
     void showWindow() override;
+    bool isModified() const override { return modified_; }
+    void setModified(bool modified) override;
+    void dropRecovery() override;
 
     CommandContext& context() { return *ctx_; }
     PlainTextEditControl& editControl() { return *edit_; }
@@ -59,9 +66,15 @@ public:
     UndoHistory& history() { return *history_; }
     BackgroundCommands& background() { return *background_; }
     BusyWork& busy() { return *busy_; }
+    RecoveryStore& recovery() { return *recovery_; }
+    // Writes the recovery copy now (the timer does it a moment after typing stops).
+    void writeRecovery();
+    // Reloads the document's file when another program changed it (asks when modified).
+    void checkFileOnDisk();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -70,6 +83,10 @@ private:
     void makeContext(Dialogs& dialogs, FileDialogs* fileDialogs);
     // Typing since the last command becomes one undo step of its own.
     void commitTyping();
+    void textChanged();
+    void offerRecovery();
+    // After the document was replaced: a fresh history.
+    void restartHistory();
 
     StartUpState& startUp_;
     QPlainTextEdit* text_ = nullptr;
@@ -98,6 +115,13 @@ private:
     QList<QAction*> linkActions_;
     QAction* linkAnchor_ = nullptr;
     QPointer<QWidget> about_;
+    std::unique_ptr<RecoveryStore> recovery_;
+    QTimer* recoveryTimer_ = nullptr;
+    QLabel* modifiedLabel_ = nullptr;
+    bool modified_ = false;
+    qint64 pendingSinceMs_ = -1; // when the oldest change not in the recovery copy was made
+    bool checkingDisk_ = false;
+    FileIdentity keptDespite_; // the changed file whose reload the person declined
 };
 
 } // namespace ed

@@ -85,7 +85,8 @@ void mnuLnk_Click(CommandContext& ctx, int index) {
             RemoveLinkFromMenu(ctx, name);
             return;
         }
-        openInPlace(ctx, name);
+        if (confirmDiscard(ctx))
+            openInPlace(ctx, name);
     });
 }
 

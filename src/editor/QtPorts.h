@@ -17,6 +17,8 @@ public:
                      const QString& defaultAnswer) override;
     Answer messageBox(const QString& text, const QString& title, Buttons buttons,
                       Icon icon) override;
+    Answer ask(const QString& text, const QString& title, Buttons buttons, Icon icon,
+               Answer defaultButton) override;
 
 private:
     QWidget* parent_;

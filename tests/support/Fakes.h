@@ -38,11 +38,18 @@ public:
     std::deque<Answer> buttonAnswers;
     std::vector<PromptEvent> prompts;
     std::vector<MessageEvent> messages;
+    // The default button of each question asked through ask(), by its text.
+    QMap<QString, Answer> defaults;
 
     QString inputBox(const QString& prompt, const QString& title,
                      const QString& defaultAnswer) override;
     Answer messageBox(const QString& text, const QString& title, Buttons buttons,
                       Icon icon) override;
+    Answer ask(const QString& text, const QString& title, Buttons buttons, Icon icon,
+               Answer defaultButton) override {
+        defaults.insert(text, defaultButton);
+        return messageBox(text, title, buttons, icon);
+    }
 };
 
 class MemorySettings : public Settings {

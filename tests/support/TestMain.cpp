@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QTemporaryDir scratch;
     qputenv("XDG_CONFIG_HOME", (scratch.path() + "/config").toLocal8Bit());
+    qputenv("XDG_STATE_HOME", (scratch.path() + "/state").toLocal8Bit());
     qputenv("LOGFILES", (scratch.path() + "/logs").toLocal8Bit());
     QApplication app(argc, argv);
     return RUN_ALL_TESTS();
