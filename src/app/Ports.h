@@ -2,6 +2,8 @@
 // The small interfaces every command is written against. The window supplies Qt adapters,
 // the batch runner and the tests supply scripted ones, so each handler runs without a display.
 
+#include "app/LaunchTarget.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QStringList>
@@ -54,7 +56,9 @@ enum class Icon { None, Critical, Question, Exclamation, Information };
 enum class Answer { Ok, Cancel, Yes, No };
 
 // The title the platform gives a prompt or message box that names none of its own.
-inline QString defaultTitle() { return QStringLiteral("Editor"); }
+inline QString defaultTitle() {
+    return QStringLiteral("Editor");
+}
 
 class Dialogs {
 public:
@@ -69,15 +73,15 @@ public:
 // Open, save and font dialogs of the window. The batch runner has none of them.
 struct FileDialogRequest {
     QString title;
-    QString filter;         // "All files *.*|*.*|Text files *.txt|*.txt|..."
-    int filterIndex = 0;    // 1-based as in the filter; 0 = first
+    QString filter;      // "All files *.*|*.*|Text files *.txt|*.txt|..."
+    int filterIndex = 0; // 1-based as in the filter; 0 = first
     QString initialDir;
-    QString fileName;       // proposed name
+    QString fileName; // proposed name
     QString defaultExtension;
 };
 struct FileDialogResult {
-    QString fileName;       // empty when cancelled
-    int filterIndex = 1;    // 1-based filter chosen
+    QString fileName;    // empty when cancelled
+    int filterIndex = 1; // 1-based filter chosen
 };
 class FileDialogs {
 public:
@@ -126,11 +130,24 @@ public:
 class Launcher {
 public:
     virtual ~Launcher() = default;
-    virtual bool startDetached(const QString& program, const QStringList& arguments) = 0;
+    // Starts `program` with `switches` (this program's own, never text from a document, a
+    // prompt, a setting or a page) followed by `addresses`. An address that does not begin with
+    // a protocol prefix is refused (false, nothing started), so none can arrive as a switch.
+    bool startDetached(const QString& program, const QStringList& switches,
+                       const QStringList& addresses = {}) {
+        for (const QString& address : addresses) {
+            if (!isProtocolAddress(address))
+                return false;
+        }
+        return startProcess(program, switches + addresses);
+    }
     // Desktop "Open": a file, a folder, a mailto: or web address, with its default handler.
     virtual bool open(const QString& target) = 0;
     // Desktop "Explore": a file manager on a folder.
     virtual bool explore(const QString& folder) = 0;
+
+protected:
+    virtual bool startProcess(const QString& program, const QStringList& arguments) = 0;
 };
 
 // Enabled/checked/visible state of menu items, addressed by the item's name ("mnuFindNext").
