@@ -1,5 +1,7 @@
 #include "app/InputReader.h"
 
+#include "util/HugePages.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -42,6 +44,7 @@ bool readAllBounded(int fd, const QString& name, qint64 limit, QByteArray& bytes
     try {
         // One more byte than the file has, so its end is seen without growing the buffer.
         out.resize(std::min(expected, limit) + 1);
+        adviseHugePages(out.constData(), size_t(out.size()));
         qint64 used = 0;
         for (;;) {
             if (used == out.size()) {
@@ -50,6 +53,7 @@ bool readAllBounded(int fd, const QString& name, qint64 limit, QByteArray& bytes
                     return false;
                 }
                 out.resize(std::min(std::max<qint64>(used * 2, 1 << 16), limit + 1));
+                adviseHugePages(out.constData() + used, size_t(out.size() - used));
             }
             const ssize_t n = ::read(fd, out.data() + used, size_t(out.size() - used));
             if (n < 0) {
