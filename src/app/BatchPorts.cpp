@@ -7,18 +7,43 @@
 
 namespace ed {
 
+namespace {
+// Characters that steer a terminal or the direction of text rather than show: C0, DEL, the C1
+// block, and the format characters (bidi marks and embeddings among them).
+bool isControl(char32_t c) {
+    if (c < 0x20 || c == 0x7F || (c >= 0x80 && c <= 0x9F))
+        return true;
+    const QChar::Category cat = QChar::category(c);
+    return cat == QChar::Other_Format || cat == QChar::Separator_Line ||
+           cat == QChar::Separator_Paragraph;
+}
+
+QString hex(char32_t c, int digits) {
+    return QString::number(uint(c), 16).toUpper().rightJustified(digits, u'0');
+}
+} // namespace
+
 QString escapeReport(const QString& text) {
     QString out;
     out.reserve(text.size());
-    for (QChar c : text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        char32_t c = text[i].unicode();
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            c = QChar::surrogateToUcs4(text[i], text[i + 1]);
+            ++i;
+        }
         if (c == u'\\')
             out += QStringLiteral("\\\\");
         else if (c == u'\r')
             out += QStringLiteral("\\r");
         else if (c == u'\n')
             out += QStringLiteral("\\n");
+        else if (c < 0x20 || c == 0x7F)
+            out += QStringLiteral("\\x") + hex(c, 2);
+        else if (isControl(c) || QChar::isSurrogate(c))
+            out += QStringLiteral("\\u{") + hex(c, 4) + u'}';
         else
-            out += c;
+            out += QString::fromUcs4(&c, 1);
     }
     return out;
 }
@@ -62,10 +87,18 @@ DeclaredMenuState::DeclaredMenuState() {
     }
 }
 
-bool DeclaredMenuState::isEnabled(const QString& item) const { return enabled_.value(item, true); }
-void DeclaredMenuState::setEnabled(const QString& item, bool enabled) { enabled_[item] = enabled; }
-bool DeclaredMenuState::isChecked(const QString& item) const { return checked_.value(item, false); }
-void DeclaredMenuState::setChecked(const QString& item, bool checked) { checked_[item] = checked; }
+bool DeclaredMenuState::isEnabled(const QString& item) const {
+    return enabled_.value(item, true);
+}
+void DeclaredMenuState::setEnabled(const QString& item, bool enabled) {
+    enabled_[item] = enabled;
+}
+bool DeclaredMenuState::isChecked(const QString& item) const {
+    return checked_.value(item, false);
+}
+void DeclaredMenuState::setChecked(const QString& item, bool checked) {
+    checked_[item] = checked;
+}
 
 void QuietWindow::showStatus(const QString& text) {
     report_(QStringLiteral("status: ") + escapeReport(text));

@@ -2,6 +2,7 @@
 
 #include "app/BatchPorts.h"
 #include "app/ErrorLogger.h"
+#include "app/InputReader.h"
 #include "app/StartUp.h"
 #include "app/SystemPorts.h"
 #include "app/TextBuffer.h"
@@ -17,7 +18,12 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <new>
 #include <optional>
+#include <unistd.h>
 
 namespace ed {
 
@@ -118,43 +124,30 @@ void writeLine(FILE* f, const QString& line) {
     std::fputc('\n', f);
 }
 
-// The bytes of FILE (or standard input). A regular file is mapped rather than copied: a big
-// document then costs no buffer of its own bytes.
-struct InputBytes {
-    QFile file;
-    uchar* mapped = nullptr;
-    QByteArray bytes;
-
-    // Closing the file would keep the mapping: it is undone here.
-    void release() {
-        bytes = QByteArray();
-        if (mapped)
-            file.unmap(mapped);
-        mapped = nullptr;
-        file.close();
+// The bytes of FILE (or standard input), read into memory: a mapped file cut short while a
+// command runs would end the run with a bus error.
+bool readInput(const QString& path, QByteArray& bytes, QString& error) {
+    const qint64 limit = inputByteLimit();
+    if (path.isEmpty() || path == u"-")
+        return readAllBounded(STDIN_FILENO, QStringLiteral("standard input"), limit, bytes, error);
+    const QFileInfo fi(path);
+    if (!fi.exists()) {
+        error = QStringLiteral("%1: no such file").arg(path);
+        return false;
     }
-};
-
-bool readInput(const QString& path, InputBytes& in, QString& error) {
-    if (path.isEmpty() || path == u"-") {
-        QFile input;
-        if (!input.open(stdin, QIODevice::ReadOnly)) {
-            error = QStringLiteral("cannot read standard input");
-            return false;
-        }
-        in.bytes = input.readAll();
-        return true;
+    if (fi.isDir()) {
+        error = QStringLiteral("%1 is a folder, not a file").arg(path);
+        return false;
     }
-    in.file.setFileName(path);
-    if (QFileInfo(path).isFile() && in.file.open(QIODevice::ReadOnly) && in.file.size() > 0) {
-        if ((in.mapped = in.file.map(0, in.file.size()))) {
-            in.bytes =
-                QByteArray::fromRawData(reinterpret_cast<const char*>(in.mapped), in.file.size());
-            return true;
-        }
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        error = QStringLiteral("cannot read %1: %2")
+                    .arg(path, QString::fromLocal8Bit(std::strerror(errno)));
+        return false;
     }
-    in.file.close();
-    return readFileBytes(path, in.bytes, error);
+    const bool ok = readAllBounded(fd, path, limit, bytes, error);
+    ::close(fd);
+    return ok;
 }
 
 // Decodes the input as the window does. A document with no line break has no style of its own:
@@ -231,21 +224,19 @@ struct LoggedErrors {
     }
 };
 
-} // namespace
-
-int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
-    InputBytes input;
+int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
+    QByteArray input;
     QString usageError;
     if (!readInput(o.inFile, input, usageError) || !checkOutTarget(o.outFile, usageError)) {
         writeLine(err, QStringLiteral("Editor: ") + usageError);
         return 2;
     }
     Utf8Handler directHandler = nullptr;
-    std::optional<Utf8Document> direct = directDocument(o, input.bytes, directHandler);
+    std::optional<Utf8Document> direct = directDocument(o, input, directHandler);
     LoadedDocument doc;
     if (!direct) {
-        doc = decodeInput(input.bytes);
-        input.release();
+        doc = decodeInput(input);
+        input = QByteArray();
     }
 
     QStringList reportLines;
@@ -320,6 +311,20 @@ int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE
         return 1;
     }
     return errors.commandErrors ? 1 : 0;
+}
+
+} // namespace
+
+int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
+    // The output is written only once every step has run, so running out of memory on the way
+    // leaves nothing behind.
+    try {
+        return runBatchSteps(o, startUp, out, err);
+    } catch (const std::bad_alloc&) {
+        writeLine(err, QStringLiteral("Editor: out of memory: the document is too large for the "
+                                      "memory of this machine; nothing was written"));
+        return 2;
+    }
 }
 
 } // namespace ed

@@ -2,6 +2,8 @@
 // The small interfaces every command is written against. The window supplies Qt adapters,
 // the batch runner and the tests supply scripted ones, so each handler runs without a display.
 
+#include "app/LaunchTarget.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QStringList>
@@ -135,11 +137,24 @@ public:
 class Launcher {
 public:
     virtual ~Launcher() = default;
-    virtual bool startDetached(const QString& program, const QStringList& arguments) = 0;
+    // Starts `program` with `switches` (this program's own, never text from a document, a
+    // prompt, a setting or a page) followed by `addresses`. An address that does not begin with
+    // a protocol prefix is refused (false, nothing started), so none can arrive as a switch.
+    bool startDetached(const QString& program, const QStringList& switches,
+                       const QStringList& addresses = {}) {
+        for (const QString& address : addresses) {
+            if (!isProtocolAddress(address))
+                return false;
+        }
+        return startProcess(program, switches + addresses);
+    }
     // Desktop "Open": a file, a folder, a mailto: or web address, with its default handler.
     virtual bool open(const QString& target) = 0;
     // Desktop "Explore": a file manager on a folder.
     virtual bool explore(const QString& folder) = 0;
+
+protected:
+    virtual bool startProcess(const QString& program, const QStringList& arguments) = 0;
 };
 
 // Enabled/checked/visible state of menu items, addressed by the item's name ("mnuFindNext").

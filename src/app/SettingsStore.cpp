@@ -1,8 +1,13 @@
 #include "app/SettingsStore.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace ed {
 
@@ -32,12 +37,34 @@ void SettingsStore::report(const QString& label, const QString& detail) {
         log_->logError(QStringLiteral("mStartUp"), label, detail);
 }
 
+namespace {
+// Creates the folders of `path` that are missing (owner only) and an empty `path` readable by
+// its owner only, so the settings written into it later stay private: the file is replaced on
+// each save with one that keeps the permissions of the one before.
+void makePrivateFile(const QString& path) {
+    const QString folder = QFileInfo(path).path();
+    QStringList missing;
+    for (QString dir = folder; !dir.isEmpty() && !QFileInfo::exists(dir);
+         dir = QFileInfo(dir).path()) {
+        missing.prepend(dir);
+        if (dir == QFileInfo(dir).path())
+            break;
+    }
+    for (const QString& dir : missing)
+        ::mkdir(QFile::encodeName(dir).constData(), 0700);
+    const int fd = ::open(QFile::encodeName(path).constData(),
+                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (fd >= 0)
+        ::close(fd);
+}
+} // namespace
+
 QSettings& SettingsStore::open(const QString& app) {
     auto it = files_.find(app);
     if (it != files_.end())
         return *it->second;
     const QString path = filePath(app);
-    QDir().mkpath(QFileInfo(path).path());
+    makePrivateFile(path);
     auto s = std::make_unique<QSettings>(path, QSettings::IniFormat);
     if (s->status() == QSettings::FormatError)
         report(QStringLiteral("Function GetSetting"),

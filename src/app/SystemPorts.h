@@ -11,12 +11,14 @@ public:
 };
 
 // Starts processes with an argument list (never through a shell) and hands files, folders and
-// addresses to the desktop's default handlers.
+// addresses to the desktop's default handlers, always as addresses.
 class ProcessLauncher : public Launcher {
 public:
-    bool startDetached(const QString& program, const QStringList& arguments) override;
     bool open(const QString& target) override;
     bool explore(const QString& folder) override;
+
+protected:
+    bool startProcess(const QString& program, const QStringList& arguments) override;
 };
 
 } // namespace ed

@@ -309,7 +309,9 @@ void mnuSetDefaultDir_Click(CommandContext& ctx) {
 }
 
 void mnuWebsites_Click(CommandContext& ctx) {
-    if (!ctx.launcher.open(ctx.form.FileName))
+    // Only the document's own file goes to the desktop; without one there is nothing to open.
+    if (ctx.form.FileName.isEmpty() || !QFileInfo(ctx.form.FileName).isFile() ||
+        !ctx.launcher.open(ctx.form.FileName))
         throw RuntimeError("Cannot start the text editor");
 }
 

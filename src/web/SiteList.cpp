@@ -2,6 +2,7 @@
 
 #include "app/Trap.h"
 #include "web/BrowserPort.h"
+#include "web/WebText.h"
 #include "web/cIEObject.h"
 
 #include <QLocale>
@@ -104,13 +105,14 @@ void visit(CommandContext& ctx, const QString& address) {
                             "Chromium, Chrome or Edge program.")
                  .arg(noBrowserMessage(*ctx.browser)));
     // The address is one argument of its own after the switches that make the browser answer
-    // at the endpoint, so the next tick finds it there.
-    QStringList arguments = ie->BrowserLaunchArguments();
-    arguments << address;
-    if (!ctx.launcher.startDetached(program, arguments))
-        fail(QStringLiteral("The browser \"%1\" could not be started.").arg(program));
+    // at the endpoint, so the next tick finds it there. It gets its protocol first, as it would
+    // on the way through NavigateToUrl, so a line can never reach the browser as a switch.
+    const QString target = web::navigationTarget(address).text;
+    if (!ctx.launcher.startDetached(program, ie->BrowserLaunchArguments(), {target}))
+        fail(QStringLiteral("The browser \"%1\" could not be started with \"%2\".")
+                 .arg(program, target));
     ctx.window.showStatus(QStringLiteral("no browser answered at %1; started %2 with %3")
-                              .arg(ctx.browser->endpointDescription(), program, address));
+                              .arg(ctx.browser->endpointDescription(), program, target));
 }
 
 } // namespace

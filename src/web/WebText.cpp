@@ -1,14 +1,13 @@
 #include "web/WebText.h"
 
+#include "app/LaunchTarget.h"
+
 #include <vector>
 
 namespace ed::web {
 
 const std::array<QString, 5>& protocolTypes() {
-    static const std::array<QString, 5> table = {
-        QStringLiteral("http://"), QStringLiteral("https://"), QStringLiteral("ftp://"),
-        QStringLiteral("file:///"), QStringLiteral("mailto:")};
-    return table;
+    return protocolPrefixes();
 }
 
 NavigationTarget navigationTarget(const QString& url) {

@@ -1,5 +1,8 @@
 // The batch runner as people use it: the built program run with arguments and standard input.
+#include "app/BatchRunner.h"
 #include "support/Fakes.h"
+
+#include <QFileInfo>
 
 #include <QDir>
 #include <QFile>
@@ -62,7 +65,6 @@ QByteArray readAll(const QString& path) {
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
 }
-
 
 class BatchRunner : public ::testing::Test {
 protected:
@@ -241,6 +243,46 @@ TEST_F(BatchRunner, SettingsTroubleIsShownButIsNoFailure) {
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_EQ(r.out, "xa\r\nx\r\n");
     EXPECT_TRUE(r.err.contains("(mStartUp)")) << r.err.constData();
+}
+
+} // namespace
+
+namespace {
+
+TEST(BatchReport, ControlCharactersAreEscaped) {
+    const struct {
+        QString text, shown;
+    } cases[] = {
+        {"a\\b\r\n", "a\\\\b\\r\\n"},
+        {QString(QChar(0x1B)) + "]0;x" + QChar(0x07), "\\x1B]0;x\\x07"},
+        {QString(QChar(0x00)) + QChar(0x09) + QChar(0x7F), "\\x00\\x09\\x7F"},
+        {QString(QChar(0x85)) + QChar(0x9B), "\\u{0085}\\u{009B}"},
+        {QString(QChar(0x200E)) + QChar(0x202E) + QChar(0x2066) + QChar(0x2069) + QChar(0xFEFF),
+         "\\u{200E}\\u{202E}\\u{2066}\\u{2069}\\u{FEFF}"},
+        {QString(QChar(0x2028)) + QChar(0x2029), "\\u{2028}\\u{2029}"},
+        {QString::fromUtf8("é€😀"), QString::fromUtf8("é€😀")},
+        {QString::fromUcs4(U"\U000E0001"), "\\u{E0001}"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ed::escapeReport(c.text), c.shown) << c.shown.toStdString();
+}
+
+TEST_F(BatchRunner, AnEndlessInputEndsWithOneLineAndNothingWritten) {
+    // The memory the run may use is capped, as a small machine would cap it.
+    const QString out = box.dir + "/out.txt";
+    QProcess p;
+    p.start("/bin/sh", {"-c",
+                        "ulimit -v 3000000; exec \"$0\" /dev/zero --apply SelectAll --out "
+                        "\"$1\"",
+                        qEnvironmentVariable("EDITOR_BIN"), out});
+    ASSERT_TRUE(p.waitForFinished(120000));
+    EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(p.exitCode(), 2);
+    const QList<QByteArray> lines = p.readAllStandardError().split('\n');
+    EXPECT_EQ(lines.size(), 2) << lines.value(0).toStdString();
+    EXPECT_TRUE(lines.value(0).startsWith("Editor: /dev/zero ")) << lines.value(0).toStdString();
+    EXPECT_TRUE(p.readAllStandardOutput().isEmpty());
+    EXPECT_FALSE(QFileInfo::exists(out));
 }
 
 } // namespace

@@ -88,16 +88,18 @@ public:
     std::vector<Started> started;
     QStringList opened, explored;
     bool result = true;
-    bool startDetached(const QString& program, const QStringList& arguments) override {
-        started.push_back({program, arguments});
-        return result;
-    }
     bool open(const QString& target) override {
         opened << target;
         return result;
     }
     bool explore(const QString& folder) override {
         explored << folder;
+        return result;
+    }
+
+protected:
+    bool startProcess(const QString& program, const QStringList& arguments) override {
+        started.push_back({program, arguments});
         return result;
     }
 };

@@ -76,7 +76,7 @@ HeadlessLauncher::~HeadlessLauncher() {
         killGroup(*process);
 }
 
-bool HeadlessLauncher::startDetached(const QString& program, const QStringList& arguments) {
+bool HeadlessLauncher::startProcess(const QString& program, const QStringList& arguments) {
     started.push_back(arguments);
     processes_.push_back(std::make_unique<QProcess>());
     startHeadless(*processes_.back(), program, arguments);

@@ -44,7 +44,9 @@ class HeadlessLauncher : public ProcessLauncher {
 public:
     std::vector<QStringList> started;
     ~HeadlessLauncher() override;
-    bool startDetached(const QString& program, const QStringList& arguments) override;
+
+protected:
+    bool startProcess(const QString& program, const QStringList& arguments) override;
 
 private:
     std::vector<std::unique_ptr<QProcess>> processes_;

@@ -24,6 +24,7 @@
 
 #include <QAction>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
@@ -393,3 +394,56 @@ TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndNextItemUsesIt) {
 }
 
 } // namespace
+
+// A site-list line written as a browser switch reaches the browser the walk starts as an address:
+// the switch would make the browser run a script before each page's renderer.
+TEST(ChromiumSiteListLaunch, ALineWrittenAsASwitchArrivesAsAnAddress) {
+    if (!QFileInfo(test::testChromiumPath()).isExecutable())
+        GTEST_SKIP() << "no Chromium";
+    const QString dir = test::makeTempDir();
+    const QString script = dir + "/prefix.sh";
+    const QString marker = dir + "/ran";
+    {
+        QFile f(script);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("#!/bin/sh\ntouch '" + marker.toUtf8() + "'\nexec \"$@\"\n");
+    }
+    QFile::setPermissions(script,
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    const QString line = "--renderer-cmd-prefix=" + script;
+    test::Harness h(line + "\r\n--user-data-dir=" + dir + "/other\r\n");
+    const Endpoint endpoint{"127.0.0.1", test::freeLoopbackPort()};
+    h.setSetting("frmEdit", "Browser Endpoint", endpoint.text());
+    h.setSetting("frmEdit", "Browser Path", test::testChromiumPath());
+    const AppSettings settings(h.settings, h.startUp.RegKeyAppName);
+    test::HeadlessLauncher launcher;
+    DevToolsBrowserPort port(settings, h.log, h.clipboard, launcher);
+    port.profileDir = dir + "/profile";
+    SiteListState walk(std::make_unique<test::SteppedSiteTimer>());
+    CommandContext ctx(h.edit, h.dialogs, h.clipboard, settings, h.log, h.clock, launcher, h.menu,
+                       h.util, h.form, h.window, h.startUp);
+    ctx.browser = &port;
+    ctx.siteList = &walk;
+
+    runMenuItem(*findMenuItem("mnuNavigateSiteList"), ctx);
+    ASSERT_EQ(launcher.started.size(), 1u);
+    EXPECT_EQ(launcher.started[0].last(), "http://" + line);
+    // The browser answers and has rendered its first page (renderers are started by then).
+    QString shown;
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            try {
+                const auto pages = listPages(endpoint, 2000);
+                shown = pages && !pages->empty() ? pages->front().url : QString();
+            } catch (const std::exception&) {
+                shown.clear();
+            }
+            return !shown.isEmpty();
+        },
+        30000, 100));
+    waitUntil([] { return false; }, 2000);
+    EXPECT_FALSE(QFileInfo::exists(marker))
+        << "the line became a switch; the browser shows " << shown.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(dir + "/other"));
+    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail.toStdString();
+}

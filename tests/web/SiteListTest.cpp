@@ -166,9 +166,10 @@ TEST(SiteList, WithoutABrowserEachTickStartsOneWithTheAddress) {
         EXPECT_EQ(s.program, "/opt/browser/chromium");
         EXPECT_TRUE(s.arguments.contains("--remote-debugging-port=9222"));
     }
-    EXPECT_EQ(w.h.launcher.started[0].arguments.last(), "a.example");
+    EXPECT_EQ(w.h.launcher.started[0].arguments.last(), "http://a.example");
     EXPECT_EQ(w.h.launcher.started[1].arguments.last(), "http://b.example/x?y=1 2");
-    EXPECT_TRUE(w.h.window.statuses[0].contains("started /opt/browser/chromium with a.example"));
+    EXPECT_TRUE(
+        w.h.window.statuses[0].contains("started /opt/browser/chromium with http://a.example"));
     EXPECT_TRUE(w.visited().isEmpty());
     EXPECT_TRUE(w.h.log.errors.empty());
 }
