@@ -15,6 +15,10 @@ FileDialogResult runFileDialog(QWidget* parent, const FileDialogRequest& r, bool
     QFileDialog dlg(parent, r.title);
     dlg.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dlg.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    // Save itself asks before it replaces a file the document did not come from, after the
+    // extension of the chosen filter was added; a second question here would be about a name
+    // that may not even be the one written.
+    dlg.setOption(QFileDialog::DontConfirmOverwrite, save);
     const QStringList filters = toQtFilters(r.filter);
     dlg.setNameFilters(filters);
     if (r.filterIndex >= 1 && r.filterIndex <= filters.size())
