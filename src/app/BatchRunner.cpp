@@ -130,15 +130,8 @@ bool readInput(const QString& path, QByteArray& bytes, QString& error) {
     const qint64 limit = inputByteLimit();
     if (path.isEmpty() || path == u"-")
         return readAllBounded(STDIN_FILENO, QStringLiteral("standard input"), limit, bytes, error);
-    const QFileInfo fi(path);
-    if (!fi.exists()) {
-        error = QStringLiteral("%1: no such file").arg(path);
+    if (!checkFileToRead(path, error))
         return false;
-    }
-    if (fi.isDir()) {
-        error = QStringLiteral("%1 is a folder, not a file").arg(path);
-        return false;
-    }
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
         error = QStringLiteral("cannot read %1: %2")

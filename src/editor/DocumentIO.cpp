@@ -17,7 +17,7 @@ QByteArray encodeDocument(const QString& model, const LoadedDocument& doc) {
     return encodeText(model, doc.format);
 }
 
-bool readFileBytes(const QString& path, QByteArray& bytes, QString& error) {
+bool checkFileToRead(const QString& path, QString& error) {
     const QFileInfo fi(path);
     if (path.isEmpty()) {
         error = QStringLiteral("no file name given");
@@ -31,6 +31,12 @@ bool readFileBytes(const QString& path, QByteArray& bytes, QString& error) {
         error = QStringLiteral("%1 is a folder, not a file").arg(path);
         return false;
     }
+    return true;
+}
+
+bool readFileBytes(const QString& path, QByteArray& bytes, QString& error) {
+    if (!checkFileToRead(path, error))
+        return false;
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly)) {
         error = QStringLiteral("cannot read %1: %2").arg(path, f.errorString());

@@ -17,6 +17,9 @@ struct LoadedDocument {
 LoadedDocument decodeDocument(const QByteArray& bytes, const QString& path);
 QByteArray encodeDocument(const QString& model, const LoadedDocument& doc);
 
+// True when `path` names something that can be read as a file; else a one-line reason (no name,
+// missing, a folder).
+bool checkFileToRead(const QString& path, QString& error);
 // Reads a whole file. False with a one-line reason (missing, a folder, unreadable).
 bool readFileBytes(const QString& path, QByteArray& bytes, QString& error);
 bool readDocumentFile(const QString& path, LoadedDocument& doc, QString& error);
