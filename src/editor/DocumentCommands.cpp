@@ -259,10 +259,11 @@ void mnuSaveAs_Click(CommandContext& ctx) {
 }
 
 void mnuDelete_Click(CommandContext& ctx) {
+    // Enter answers No: deleting takes a deliberate Yes.
     const Answer a =
-        ctx.dialogs.messageBox(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
-                                   ctx.form.FileName + QStringLiteral(" ?"),
-                               QStringLiteral("Delete File?"), Buttons::YesNo, Icon::Critical);
+        ctx.dialogs.ask(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
+                            ctx.form.FileName + QStringLiteral(" ?"),
+                        QStringLiteral("Delete File?"), Buttons::YesNo, Icon::Critical, Answer::No);
     if (a != Answer::Yes)
         return;
     QFile f(ctx.form.FileName);

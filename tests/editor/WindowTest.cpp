@@ -155,8 +155,9 @@ TEST_F(WindowTest, SaveRtfSaveAsDeleteAndNew) {
     dialogs_.buttonAnswers = {Answer::No};
     run("mnuDelete");
     EXPECT_TRUE(QFile::exists(path("copy.txt")));
-    EXPECT_EQ(dialogs_.messages.back().text,
-              "Are you sure you want to delete\r\n\r\n" + path("copy.txt") + " ?");
+    const QString question = "Are you sure you want to delete\r\n\r\n" + path("copy.txt") + " ?";
+    EXPECT_EQ(dialogs_.messages.back().text, question);
+    EXPECT_EQ(dialogs_.defaults.value(question), Answer::No); // Enter keeps the file
     dialogs_.buttonAnswers = {Answer::Yes};
     run("mnuDelete");
     EXPECT_FALSE(QFile::exists(path("copy.txt")));
