@@ -2,9 +2,11 @@
 
 #include "editor/BusyWork.h"
 #include "editor/EditorWindow.h"
+#include "editor/LinkMenu.h"
 #include "editor/PlainTextEditControl.h"
 #include "support/Fakes.h"
 
+#include <QDir>
 #include <QFile>
 #include <QMenuBar>
 #include <QTemporaryDir>
@@ -166,6 +168,12 @@ TEST_F(WindowTest, SaveRtfSaveAsDeleteAndNew) {
 
     openFile("plain.rtf", "just text\n"); // named .rtf but holding none: opened as text
     EXPECT_EQ(edit().text(), "just text\r\n");
+}
+
+TEST_F(WindowTest, LinkMenuHoldsFullPaths) {
+    open();
+    PutLinkOnMenu(window_->context(), "rtf"); // what Save RTF of a name without "." saves
+    EXPECT_EQ(window_->context().form.LinkItems[0], QDir::current().absoluteFilePath("rtf"));
 }
 
 TEST_F(WindowTest, FailedSaveLeavesTheOldFileAndTellsTheUser) {
