@@ -4,6 +4,7 @@
 #include "editor/EditorWindow.h"
 #include "editor/LinkMenu.h"
 #include "editor/PlainTextEditControl.h"
+#include "editor/WindowAdapters.h"
 #include "support/Fakes.h"
 
 #include <QDir>
@@ -168,6 +169,11 @@ TEST_F(WindowTest, SaveRtfSaveAsDeleteAndNew) {
 
     openFile("plain.rtf", "just text\n"); // named .rtf but holding none: opened as text
     EXPECT_EQ(edit().text(), "just text\r\n");
+}
+
+TEST_F(WindowTest, AllFilesFilterListsFilesWithoutADot) {
+    EXPECT_EQ(toQtFilters("All files *.*|*.*|Text files *.txt|*.txt"),
+              QStringList({"All files (*)", "Text files (*.txt)"}));
 }
 
 TEST_F(WindowTest, LinkMenuHoldsFullPaths) {
