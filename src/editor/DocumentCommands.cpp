@@ -250,9 +250,15 @@ void mnuSaveAs_Click(CommandContext& ctx) {
     QString name = r.fileName.trimmed();
     if (name.isEmpty())
         return;
-    if (!QFileInfo(name).fileName().contains(u'.') && r.filterIndex >= 2 &&
-        r.filterIndex <= int(kExtensions.size()))
-        name += u'.' + kExtensions[r.filterIndex - 1];
+    if (!QFileInfo(name).fileName().contains(u'.')) {
+        // The extension of All files is the document's own: people.csv stays a .csv file.
+        const QString ext = r.filterIndex <= 1 ? parts.extension
+                            : r.filterIndex <= int(kExtensions.size())
+                                ? kExtensions[r.filterIndex - 1]
+                                : QString();
+        if (!ext.isEmpty())
+            name += u'.' + ext;
+    }
     adoptFileName(ctx, name);
     mnuSave_Click(ctx);
     PutLinkOnMenu(ctx, name);

@@ -171,6 +171,26 @@ TEST_F(WindowTest, SaveRtfSaveAsDeleteAndNew) {
     EXPECT_EQ(edit().text(), "just text\r\n");
 }
 
+TEST_F(WindowTest, SaveAsAddsTheExtensionOfTheChosenFilter) {
+    const struct {
+        QString typed;
+        int filter; // 1 = All files
+        QString written;
+    } cases[] = {
+        {"people", 1, "people.csv"}, // All files: the document's own extension
+        {"people", 2, "people.txt"},
+        {"people.dat", 1, "people.dat"},
+        {"list.dat", 2, "list.dat"},
+    };
+    for (const auto& c : cases) {
+        openFile("people.csv", "name;age\n");
+        files_.saveAnswers.push_back({path(c.typed), c.filter});
+        run("mnuSaveAs");
+        EXPECT_EQ(window_->context().form.FileName, path(c.written)) << c.typed << c.filter;
+        EXPECT_TRUE(QFile::exists(path(c.written))) << c.written;
+    }
+}
+
 TEST_F(WindowTest, AllFilesFilterListsFilesWithoutADot) {
     EXPECT_EQ(toQtFilters("All files *.*|*.*|Text files *.txt|*.txt"),
               QStringList({"All files (*)", "Text files (*.txt)"}));
