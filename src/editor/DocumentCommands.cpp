@@ -250,19 +250,26 @@ void mnuSaveAs_Click(CommandContext& ctx) {
     QString name = r.fileName.trimmed();
     if (name.isEmpty())
         return;
-    if (!QFileInfo(name).fileName().contains(u'.') && r.filterIndex >= 2 &&
-        r.filterIndex <= int(kExtensions.size()))
-        name += u'.' + kExtensions[r.filterIndex - 1];
+    if (!QFileInfo(name).fileName().contains(u'.')) {
+        // The extension of All files is the document's own: people.csv stays a .csv file.
+        const QString ext = r.filterIndex <= 1 ? parts.extension
+                            : r.filterIndex <= int(kExtensions.size())
+                                ? kExtensions[r.filterIndex - 1]
+                                : QString();
+        if (!ext.isEmpty())
+            name += u'.' + ext;
+    }
     adoptFileName(ctx, name);
     mnuSave_Click(ctx);
     PutLinkOnMenu(ctx, name);
 }
 
 void mnuDelete_Click(CommandContext& ctx) {
+    // Enter answers No: deleting takes a deliberate Yes.
     const Answer a =
-        ctx.dialogs.messageBox(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
-                                   ctx.form.FileName + QStringLiteral(" ?"),
-                               QStringLiteral("Delete File?"), Buttons::YesNo, Icon::Critical);
+        ctx.dialogs.ask(QStringLiteral("Are you sure you want to delete\r\n\r\n") +
+                            ctx.form.FileName + QStringLiteral(" ?"),
+                        QStringLiteral("Delete File?"), Buttons::YesNo, Icon::Critical, Answer::No);
     if (a != Answer::Yes)
         return;
     QFile f(ctx.form.FileName);

@@ -54,9 +54,11 @@ void PutLinkOnMenu(CommandContext& ctx, const QString& fileName) {
     trapped(ctx.log, "frmEdit", QStringLiteral("Sub PutLinkOnMenu"), [&] {
         if (fileName.trimmed().isEmpty())
             return;
+        // The list is used from any folder, so it holds full paths only.
+        const QString full = QFileInfo(fileName).absoluteFilePath();
         QStringList names = current(ctx);
-        names.removeAll(fileName);
-        names.prepend(fileName);
+        names.removeAll(full);
+        names.prepend(full);
         while (names.size() > kLinkCount)
             names.removeLast();
         store(ctx, names);

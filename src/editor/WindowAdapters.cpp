@@ -44,7 +44,12 @@ QStringList toQtFilters(const QString& filter) {
         const QString pattern = parts[i + 1];
         if (label.endsWith(pattern))
             label.chop(pattern.size());
-        out << label.trimmed() + QStringLiteral(" (") + QString(pattern).replace(u';', u' ') + u')';
+        // "*.*" means every file, also those without a dot in their name (Makefile, README).
+        QStringList globs = pattern.split(u';', Qt::SkipEmptyParts);
+        for (QString& g : globs)
+            if (g == u"*.*")
+                g = QStringLiteral("*");
+        out << label.trimmed() + QStringLiteral(" (") + globs.join(u' ') + u')';
     }
     return out;
 }

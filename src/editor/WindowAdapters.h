@@ -19,7 +19,7 @@ private:
     QWidget* parent_;
 };
 
-// "All files *.*|*.*|Text files *.txt|*.txt" -> {"All files (*.*)", "Text files (*.txt)"}.
+// "All files *.*|*.*|Text files *.txt|*.txt" -> {"All files (*)", "Text files (*.txt)"}.
 QStringList toQtFilters(const QString& filter);
 
 class WidgetGeometry : public FormGeometry {

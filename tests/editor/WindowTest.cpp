@@ -2,9 +2,12 @@
 
 #include "editor/BusyWork.h"
 #include "editor/EditorWindow.h"
+#include "editor/LinkMenu.h"
 #include "editor/PlainTextEditControl.h"
+#include "editor/WindowAdapters.h"
 #include "support/Fakes.h"
 
+#include <QDir>
 #include <QFile>
 #include <QMenuBar>
 #include <QTemporaryDir>
@@ -155,8 +158,9 @@ TEST_F(WindowTest, SaveRtfSaveAsDeleteAndNew) {
     dialogs_.buttonAnswers = {Answer::No};
     run("mnuDelete");
     EXPECT_TRUE(QFile::exists(path("copy.txt")));
-    EXPECT_EQ(dialogs_.messages.back().text,
-              "Are you sure you want to delete\r\n\r\n" + path("copy.txt") + " ?");
+    const QString question = "Are you sure you want to delete\r\n\r\n" + path("copy.txt") + " ?";
+    EXPECT_EQ(dialogs_.messages.back().text, question);
+    EXPECT_EQ(dialogs_.defaults.value(question), Answer::No); // Enter keeps the file
     dialogs_.buttonAnswers = {Answer::Yes};
     run("mnuDelete");
     EXPECT_FALSE(QFile::exists(path("copy.txt")));
@@ -165,6 +169,37 @@ TEST_F(WindowTest, SaveRtfSaveAsDeleteAndNew) {
 
     openFile("plain.rtf", "just text\n"); // named .rtf but holding none: opened as text
     EXPECT_EQ(edit().text(), "just text\r\n");
+}
+
+TEST_F(WindowTest, SaveAsAddsTheExtensionOfTheChosenFilter) {
+    const struct {
+        QString typed;
+        int filter; // 1 = All files
+        QString written;
+    } cases[] = {
+        {"people", 1, "people.csv"}, // All files: the document's own extension
+        {"people", 2, "people.txt"},
+        {"people.dat", 1, "people.dat"},
+        {"list.dat", 2, "list.dat"},
+    };
+    for (const auto& c : cases) {
+        openFile("people.csv", "name;age\n");
+        files_.saveAnswers.push_back({path(c.typed), c.filter});
+        run("mnuSaveAs");
+        EXPECT_EQ(window_->context().form.FileName, path(c.written)) << c.typed << c.filter;
+        EXPECT_TRUE(QFile::exists(path(c.written))) << c.written;
+    }
+}
+
+TEST_F(WindowTest, AllFilesFilterListsFilesWithoutADot) {
+    EXPECT_EQ(toQtFilters("All files *.*|*.*|Text files *.txt|*.txt"),
+              QStringList({"All files (*)", "Text files (*.txt)"}));
+}
+
+TEST_F(WindowTest, LinkMenuHoldsFullPaths) {
+    open();
+    PutLinkOnMenu(window_->context(), "rtf"); // what Save RTF of a name without "." saves
+    EXPECT_EQ(window_->context().form.LinkItems[0], QDir::current().absoluteFilePath("rtf"));
 }
 
 TEST_F(WindowTest, FailedSaveLeavesTheOldFileAndTellsTheUser) {
