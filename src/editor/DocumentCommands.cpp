@@ -260,7 +260,8 @@ void mnuSaveAs_Click(CommandContext& ctx) {
             name += u'.' + ext;
     }
     adoptFileName(ctx, name);
-    mnuSave_Click(ctx);
+    // Save keeps its own trap: a failed save is logged as Save's and the name is still listed.
+    trapped(ctx.log, "frmEdit", QStringLiteral("mnuSave_Click"), [&] { mnuSave_Click(ctx); });
     PutLinkOnMenu(ctx, name);
 }
 

@@ -213,6 +213,20 @@ TEST_F(WindowTest, FailedSaveLeavesTheOldFileAndTellsTheUser) {
     EXPECT_EQ(dialogs_.messages.back().title, "Save failed");
 }
 
+TEST_F(WindowTest, SaveAsThatFailsIsLoggedAsSaveAndStillListed) {
+    const QByteArray oldLogs = qgetenv("LOGFILES");
+    qputenv("LOGFILES", dir_.path().toLocal8Bit());
+    writeFile(path("blocker"), "a file where a folder would be");
+    openFile("doc.txt", "text\n");
+    files_.saveAnswers.push_back({path("blocker/out.txt"), 1});
+    run("mnuSaveAs");
+    qputenv("LOGFILES", oldLogs);
+    const QString log = QString::fromUtf8(read("ErrorLog.txt"));
+    EXPECT_TRUE(log.contains("mnuSave_Click")) << log.toStdString();
+    EXPECT_FALSE(log.contains("mnuSaveAs_Click")) << log.toStdString();
+    EXPECT_EQ(window_->context().form.LinkItems[0], path("blocker/out.txt"));
+}
+
 TEST_F(WindowTest, RecentFilesNewestFirstAndMissingRemoved) {
     writeFile(path("b.txt"), "b");
     openFile("a.txt", "a");
