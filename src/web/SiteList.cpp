@@ -84,8 +84,9 @@ void endWalk(CommandContext& ctx, SiteListState& s) {
 }
 
 // Shows `address` in the active browser window, or starts the browser with it when none
-// answers. The address goes through NavigateToUrl, which puts "http://" in front of a bare host
-// name as a browser's own address bar would. The tick does not wait for the page.
+// answers. The line goes to the browser, never to the mail program, even when it holds "@";
+// a bare host name gets "http://" in front and a blank line shows an empty page. The tick does
+// not wait for the page.
 void visit(CommandContext& ctx, const QString& address) {
     if (!ctx.browser) {
         ctx.window.showStatus(
@@ -96,7 +97,7 @@ void visit(CommandContext& ctx, const QString& address) {
     const web::BrowserHandle active = ie->GetActiveBrowser(false);
     if (!active.isEmpty()) {
         ie->InitializeObject(active);
-        ie->NavigateToUrl(address, false);
+        ie->Navigate(address);
         return;
     }
     const QString program = ie->InternetExplorerPath();
@@ -106,8 +107,8 @@ void visit(CommandContext& ctx, const QString& address) {
                  .arg(noBrowserMessage(*ctx.browser)));
     // The address is one argument of its own after the switches that make the browser answer
     // at the endpoint, so the next tick finds it there. It gets its protocol first, as it would
-    // on the way through NavigateToUrl, so a line can never reach the browser as a switch.
-    const QString target = web::navigationTarget(address).text;
+    // on the way through Navigate, so a line can never reach the browser as a switch.
+    const QString target = web::browserAddress(address);
     if (!ctx.launcher.startDetached(program, ie->BrowserLaunchArguments(), {target}))
         fail(QStringLiteral("The browser \"%1\" could not be started with \"%2\".")
                  .arg(program, target));
@@ -176,9 +177,8 @@ void SiteListTick(CommandContext& ctx) {
         ctx.edit.setSelStart(qint32(found));
         ctx.edit.setSelLength(qint32(address.size()) + 1);
     }
-    // A blank line has nothing to show; the walk just moves over it.
-    if (!address.isEmpty())
-        visit(ctx, address);
+    // A blank line is visited too: the browser shows an empty page for it.
+    visit(ctx, address);
     ++s.mlSiteIndex;
     if (s.mlSiteIndex != upper)
         ctx.menu.setEnabled(kNextItem, true);

@@ -21,6 +21,17 @@ NavigationTarget navigationTarget(const QString& url) {
     return {false, protocolTypes()[0] + url};
 }
 
+QString browserAddress(const QString& url) {
+    if (url.trimmed().isEmpty())
+        return QStringLiteral("about:blank");
+    const QString lower = url.toLower();
+    for (const QString& protocol : protocolTypes()) {
+        if (lower.startsWith(protocol))
+            return url;
+    }
+    return protocolTypes()[0] + url;
+}
+
 QString stripHtml(const QString& text) {
     QString out;
     out.reserve(text.size());

@@ -19,6 +19,10 @@ struct NavigationTarget {
     QString text;
 };
 NavigationTarget navigationTarget(const QString& url);
+// An address as the browser's own Navigate takes it: as given when it has a protocol,
+// "about:blank" for a blank one, else with "http://" put in front. It never goes to the mail
+// program, whatever it holds.
+QString browserAddress(const QString& url);
 
 // The text without anything from a "<" up to and including the next ">"; a ">" outside a tag
 // is dropped too, character references stay as they are.

@@ -244,6 +244,12 @@ void cIEObject::NavigateToUrl(const QString& url, bool wait) {
     });
 }
 
+void cIEObject::Navigate(const QString& address) {
+    if (!initialized_)
+        fail(QStringLiteral("No browser window is attached to go to \"%1\".").arg(address));
+    page().navigate(browserAddress(address));
+}
+
 qint32 cIEObject::ProtocolTypes_Count() const {
     return qint32(protocolTypes().size());
 }

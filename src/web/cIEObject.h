@@ -80,6 +80,9 @@ public:
     // holding "@" goes to the mail program instead. With `wait`, returns when the page has
     // loaded, CancelWait was called or the wait cap passed; the window keeps working meanwhile.
     void NavigateToUrl(const QString& url, bool wait);
+    // The browser's own Navigate: sends the attached window to `address` (see browserAddress)
+    // without waiting and without a trap of its own, so a failure reaches the caller.
+    void Navigate(const QString& address);
 
     // --- page content ---
     qint32 IsThisEmailOrLink(const QString& text, bool checkProtocol);

@@ -70,6 +70,17 @@ TEST(SiteList, AnAddressIsSelectedWhereItFirstOccurs) {
     EXPECT_EQ(w.visited(), (QStringList{"http://see b.example here", "http://b.example"}));
 }
 
+TEST(SiteList, EveryLineGoesToTheBrowserNeverToTheMailProgram) {
+    Walk w("someone@example.com\r\n\r\n  \r\nz.example\r\n");
+    w.h.run("mnuNavigateSiteList");
+    for (int i = 0; i < 3; ++i)
+        w.timer->fire();
+    EXPECT_EQ(w.visited(), (QStringList{"http://someone@example.com", "about:blank", "about:blank",
+                                        "http://z.example"}));
+    EXPECT_TRUE(w.h.launcher.opened.isEmpty());
+    EXPECT_TRUE(w.h.log.errors.empty());
+}
+
 TEST(SiteList, AOneLineDocumentEndsAtTheNextTick) {
     Walk w("http://only.example/");
     w.h.run("mnuNavigateSiteList");
