@@ -67,7 +67,9 @@ LineBreak detectLineBreak(const QString& text) {
         return LineBreak::CrLf;
     if (text.contains(u'\r'))
         return LineBreak::Cr;
-    return defaultTextFormat().lineBreak;
+    // A file without any line break of its own ends its record with CR LF, as the batch runner
+    // writes it.
+    return LineBreak::CrLf;
 }
 
 // QString::toUtf8, optionally after a byte order mark, into a buffer sized for the worst case

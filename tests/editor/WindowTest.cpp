@@ -122,12 +122,13 @@ TEST_F(WindowTest, SaveKeepsTheBytesAndAddsOneLineBreak) {
         {"a\nb\n", "\n"},
         {"a\r\nb", "\r\n"},
         {"caf\xE9\n", "\n"},
-        {"", "\n"},
+        {"", "\r\n"}, // no line break of its own: CR LF, as the batch runner writes
+        {"one line", "\r\n"},
         {QByteArray("\0\x01\x80\xFF\r\n\n\rz\x7F", 10), "\n"},
         {"ok \xC3\x28 \xF0\x28\x8C\x28\r\n", "\r\n"},
         {"\xF0\x9F\x98\x80\r\n", "\r\n"},
         {QByteArray("\xFF\xFEh\0\r\0\n\0", 8), QByteArray("\r\0\n\0", 4)},
-        {longLine, "\n"},
+        {longLine, "\r\n"},
     };
     int n = 0;
     for (const auto& [bytes, eol] : cases) {
