@@ -102,7 +102,13 @@ void CdpPage::onEvent(const QString& method, const QJsonObject& params, const QS
         const QString child = params.value(QStringLiteral("sessionId")).toString();
         const QJsonObject info = params.value(QStringLiteral("targetInfo")).toObject();
         if (info.value(QStringLiteral("type")).toString() == u"iframe") {
-            childSessions_.insert(info.value(QStringLiteral("targetId")).toString(), child);
+            // A frame of another site runs in a target of its own whose id is the frame's id;
+            // it may have navigated before its session could report it, so its address is
+            // taken from the target.
+            const QString frameId = info.value(QStringLiteral("targetId")).toString();
+            if (frameUrls_.value(frameId).isEmpty())
+                frameUrls_.insert(frameId, info.value(QStringLiteral("url")).toString());
+            childSessions_.insert(frameId, child);
             client_->post(QStringLiteral("Page.enable"), {}, child);
             client_->post(QStringLiteral("Target.setAutoAttach"),
                           {{QStringLiteral("autoAttach"), true},
@@ -119,6 +125,12 @@ void CdpPage::onEvent(const QString& method, const QJsonObject& params, const QS
             else
                 ++it;
         }
+    } else if (method == u"Target.targetInfoChanged") {
+        // A frame of another site that navigated says so here as well.
+        const QJsonObject info = params.value(QStringLiteral("targetInfo")).toObject();
+        if (info.value(QStringLiteral("type")).toString() == u"iframe")
+            frameUrls_.insert(info.value(QStringLiteral("targetId")).toString(),
+                              info.value(QStringLiteral("url")).toString());
     } else if (method == u"Target.targetCreated") {
         onTargetCreated(params.value(QStringLiteral("targetInfo")).toObject());
     } else if (method == u"Target.targetDestroyed") {

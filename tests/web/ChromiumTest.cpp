@@ -232,6 +232,17 @@ TEST_F(ChromiumSession, FramesAreReadWhereverTheyComeFrom) {
     }
 }
 
+TEST_F(ChromiumSession, EveryFrameReportsItsOwnUrlWhenComplete) {
+    QStringList urls;
+    const auto c = QObject::connect(ie_.get(), &cIEObject::DocumentComplete,
+                                    [&](const DocumentRef&, QString& u) { urls << u; });
+    load(*ie_, url("/two.html"));
+    QObject::disconnect(c);
+    for (const QString& u : {url("/two.html"), url("/a.html"), server_->otherSiteUrl("/b.html")})
+        EXPECT_TRUE(urls.contains(u))
+            << u.toStdString() << " not in " << urls.join(' ').toStdString();
+}
+
 TEST_F(ChromiumSession, WindowBoundsAreSet) {
     ie_->IETop(40);
     ie_->IELeft(30);
