@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QStringList>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -25,7 +26,15 @@ QString SettingsStore::filePath(const QString& app) const {
     const QString root = root_.isEmpty() ? configRoot() : root_;
     QString rel = app;
     rel.replace(u'\\', u'/');
-    return QDir::cleanPath(root + u'/' + rel) + QStringLiteral(".ini");
+    // The folder part of the application name starts with "." on this platform ("/tmp/x" reads
+    // ".tmp.x"), which would hide the file. A name that starts with "." or "_" gets one more "_"
+    // in front, so no file is hidden and two names never share a file.
+    QStringList parts = rel.split(u'/');
+    for (QString& part : parts) {
+        if (part.startsWith(u'.') || part.startsWith(u'_'))
+            part.prepend(u'_');
+    }
+    return QDir::cleanPath(root + u'/' + parts.join(u'/')) + QStringLiteral(".ini");
 }
 
 void SettingsStore::report(const QString& label, const QString& detail) {

@@ -32,12 +32,17 @@ QString buildRegKeyAppName(const QString& exeName, const QString& user, const QS
     return u'(' + exeName + QStringLiteral(" - ") + user + QStringLiteral(")/") + p;
 }
 
+QString currentUserName() {
+    // USERNAME is set on some systems only; on this one the login name is in USER.
+    const QByteArray name = qgetenv("USERNAME");
+    return QString::fromLocal8Bit(name.isEmpty() ? qgetenv("USER") : name);
+}
+
 void runStartUp(StartUpState& s, const QString& exePath, const QStringList& arguments) {
     const QFileInfo exe(exePath);
-    const QString user = QString::fromLocal8Bit(qgetenv("USERNAME"));
     s.programFolder = exe.absolutePath();
     s.exeName = exe.completeBaseName();
-    s.RegKeyAppName = buildRegKeyAppName(s.exeName, user, s.programFolder);
+    s.RegKeyAppName = buildRegKeyAppName(s.exeName, currentUserName(), s.programFolder);
     s.CommandLine = arguments.join(u' ').remove(u'"');
     fillRegNames(s.RegNames);
     s.StartUpComplete = true;

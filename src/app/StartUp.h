@@ -9,8 +9,7 @@
 namespace ed {
 
 // A text field of fixed width: shorter values are padded with spaces, longer ones cut.
-template <int N>
-class FixedText {
+template <int N> class FixedText {
 public:
     FixedText() { chars_.fill(u' '); }
     FixedText& operator=(const QString& value) {
@@ -51,6 +50,9 @@ void fillRegNames(RegNamesRecord& names);
 
 // "(" + executable name + " - " + user + ")" + "/" + program folder with every "/" made ".".
 QString buildRegKeyAppName(const QString& exeName, const QString& user, const QString& folder);
+
+// The login name: USERNAME when set, else USER.
+QString currentUserName();
 
 // Everything the start-up procedure fills in, shared by the whole program.
 struct StartUpState {

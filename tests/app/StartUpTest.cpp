@@ -1,6 +1,6 @@
+#include "app/StartUp.h"
 #include "app/ErrorLogger.h"
 #include "app/SettingsStore.h"
-#include "app/StartUp.h"
 #include "support/Fakes.h"
 #include "util/Utility.h"
 
@@ -17,31 +17,50 @@ using namespace ed::test;
 namespace {
 
 TEST(StartUp, BuildsAppNameCommandLineAndNames) {
-    qputenv("USERNAME", "ann");
-    StartUpState s;
-    runStartUp(s, "/opt/tools/ed/Editor", {"\"/home/a", "b.txt\"~needle"});
-    EXPECT_EQ(s.RegKeyAppName, "(Editor - ann)/.opt.tools.ed");
-    EXPECT_EQ(s.CommandLine, "/home/a b.txt~needle");
-    EXPECT_TRUE(s.StartUpComplete);
+    const QByteArray oldUser = qgetenv("USER");
+    // USERNAME wins; USER stands in when it is unset; neither leaves the user part empty.
+    const struct {
+        const char* username;
+        const char* user;
+        QString appName;
+    } cases[] = {
+        {"ann", "bob", "(Editor - ann)/.opt.tools.ed"},
+        {nullptr, "bob", "(Editor - bob)/.opt.tools.ed"},
+        {nullptr, nullptr, "(Editor - )/.opt.tools.ed"},
+    };
+    for (const auto& c : cases) {
+        c.username ? qputenv("USERNAME", c.username) : qunsetenv("USERNAME");
+        c.user ? qputenv("USER", c.user) : qunsetenv("USER");
+        StartUpState s;
+        runStartUp(s, "/opt/tools/ed/Editor", {"\"/home/a", "b.txt\"~needle"});
+        EXPECT_EQ(s.RegKeyAppName, c.appName);
+        EXPECT_EQ(s.CommandLine, "/home/a b.txt~needle");
+        EXPECT_TRUE(s.StartUpComplete);
+    }
     qunsetenv("USERNAME");
-    StartUpState noUser;
-    runStartUp(noUser, "/x/Editor", {});
-    EXPECT_EQ(noUser.RegKeyAppName, "(Editor - )/.x");
-    EXPECT_EQ(noUser.CommandLine, "");
+    qputenv("USER", oldUser);
 }
 
 TEST(StartUp, RegNamesHaveTheirExactWidths) {
     RegNamesRecord n;
     fillRegNames(n);
     const std::vector<std::pair<QString, QString>> fields = {
-        {n.AppPath, "AppPath"},         {n.ModuleName, "mStartUp"},
-        {n.InFilePath, "InFilePath"},   {n.OutFilePath, "OutFilePath"},
-        {n.RegKeyfrmEdit, "Reg Key frmEdit"}, {n.Ruler, "Ruler"},
-        {n.Font, "Font"},               {n.PrvValue, "PrvValue"},
-        {n.EmailSettings, "EmailSettings"}, {n.QuickDir, "QuickDir"},
-        {n.UserName, "UserName"},       {n.Password, "Password"},
-        {n.Attachment, "Attachment"},   {n.Subject, "Subject"},
-        {n.IncludeAttachment, "IncludeAttachment"}, {n.PreviousDir, "PreviousDir"},
+        {n.AppPath, "AppPath"},
+        {n.ModuleName, "mStartUp"},
+        {n.InFilePath, "InFilePath"},
+        {n.OutFilePath, "OutFilePath"},
+        {n.RegKeyfrmEdit, "Reg Key frmEdit"},
+        {n.Ruler, "Ruler"},
+        {n.Font, "Font"},
+        {n.PrvValue, "PrvValue"},
+        {n.EmailSettings, "EmailSettings"},
+        {n.QuickDir, "QuickDir"},
+        {n.UserName, "UserName"},
+        {n.Password, "Password"},
+        {n.Attachment, "Attachment"},
+        {n.Subject, "Subject"},
+        {n.IncludeAttachment, "IncludeAttachment"},
+        {n.PreviousDir, "PreviousDir"},
         {n.ViewDnDTB, "ViewDnDTB"}};
     for (const auto& [value, expected] : fields)
         EXPECT_EQ(value, expected);
@@ -62,7 +81,7 @@ TEST(SettingsStore, TwoFoldersUseTwoFiles) {
     EXPECT_EQ(store.read(a, "frmEdit", "Last Dir", "d"), "/x/");
     EXPECT_EQ(store.read(b, "frmEdit", "Last Dir", "d"), "d");
     EXPECT_NE(store.filePath(a), store.filePath(b));
-    EXPECT_EQ(store.filePath(a), root.path() + "/(Editor - u)/.one.place.ini");
+    EXPECT_EQ(store.filePath(a), root.path() + "/(Editor - u)/_.one.place.ini");
     EXPECT_TRUE(QFileInfo::exists(store.filePath(a)));
     // Values with commas, spaces and quotes come back as written.
     store.write(a, "frmEdit", "Font", "Arial,9,False,False");
@@ -70,6 +89,31 @@ TEST(SettingsStore, TwoFoldersUseTwoFiles) {
     SettingsStore again(nullptr, root.path());
     EXPECT_EQ(again.read(a, "frmEdit", "Font", ""), "Arial,9,False,False");
     EXPECT_EQ(again.read(a, "Reg Key frmEdit", "PrvValue", ""), " <5000 \"q\" ");
+}
+
+TEST(SettingsStore, FileNamesAreNeitherHiddenNorShared) {
+    QTemporaryDir root;
+    SettingsStore store(nullptr, root.path());
+    const auto file = [&](const QString& folder) {
+        return store.filePath(buildRegKeyAppName("Editor", "u", folder));
+    };
+    const struct {
+        QString folder, fileName;
+    } cases[] = {
+        {"/tmp/x", "_.tmp.x.ini"},
+        {"/", "_..ini"},
+        {"/_/tmp/x", "_._.tmp.x.ini"},
+        {"C:\\Tools", "C:.Tools.ini"},
+    };
+    QStringList seen;
+    for (const auto& c : cases) {
+        const QFileInfo info(file(c.folder));
+        EXPECT_EQ(info.fileName(), c.fileName) << c.folder.toStdString();
+        EXPECT_EQ(info.absolutePath(), root.path() + "/(Editor - u)");
+        EXPECT_EQ(file(c.folder), info.filePath());
+        EXPECT_FALSE(seen.contains(info.filePath()));
+        seen << info.filePath();
+    }
 }
 
 TEST(SettingsStore, HonoursXdgConfigHome) {
