@@ -381,6 +381,33 @@ TEST(ChromiumKilled, KillingTheBrowserEndsTheWaitAndIsLogged) {
     EXPECT_TRUE(ports.log.errors[0].detail.contains("went away")) << ports.log.errors[0].detail;
 }
 
+// A site-list walk over the harness's document with a browser port whose launcher starts the
+// test Chromium at a free loopback endpoint.
+struct SiteWalk {
+    SiteWalk(test::Harness& h, const QString& profileDir)
+        : endpoint(configure(h)), settings(h.settings, h.startUp.RegKeyAppName),
+          port(settings, h.log, h.clipboard, launcher),
+          walk(std::make_unique<test::SteppedSiteTimer>()),
+          ctx(h.edit, h.dialogs, h.clipboard, settings, h.log, h.clock, launcher, h.menu, h.util,
+              h.form, h.window, h.startUp) {
+        port.profileDir = profileDir;
+        ctx.browser = &port;
+        ctx.siteList = &walk;
+    }
+    static Endpoint configure(test::Harness& h) {
+        const Endpoint e{"127.0.0.1", test::freeLoopbackPort()};
+        h.setSetting("frmEdit", "Browser Endpoint", e.text());
+        h.setSetting("frmEdit", "Browser Path", test::testChromiumPath());
+        return e;
+    }
+    const Endpoint endpoint;
+    const AppSettings settings;
+    test::HeadlessLauncher launcher;
+    DevToolsBrowserPort port;
+    SiteListState walk;
+    CommandContext ctx;
+};
+
 TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndNextItemUsesIt) {
     if (!QFileInfo(test::testChromiumPath()).isExecutable())
         GTEST_SKIP() << "no Chromium";
@@ -389,18 +416,10 @@ TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndNextItemUsesIt) {
     server.serve("/2.html", "<html><body>Two</body></html>");
     test::Harness h(server.url("/1.html") + "\r\n" + server.url("/2.html") + "\r\n" +
                     server.url("/1.html") + "\r\n");
-    const Endpoint endpoint{"127.0.0.1", test::freeLoopbackPort()};
-    h.setSetting("frmEdit", "Browser Endpoint", endpoint.text());
-    h.setSetting("frmEdit", "Browser Path", test::testChromiumPath());
-    const AppSettings settings(h.settings, h.startUp.RegKeyAppName);
-    test::HeadlessLauncher launcher;
-    DevToolsBrowserPort port(settings, h.log, h.clipboard, launcher);
-    port.profileDir = test::makeTempDir() + "/profile";
-    SiteListState walk(std::make_unique<test::SteppedSiteTimer>());
-    CommandContext ctx(h.edit, h.dialogs, h.clipboard, settings, h.log, h.clock, launcher, h.menu,
-                       h.util, h.form, h.window, h.startUp);
-    ctx.browser = &port;
-    ctx.siteList = &walk;
+    SiteWalk w(h, test::makeTempDir() + "/profile");
+    const Endpoint& endpoint = w.endpoint;
+    test::HeadlessLauncher& launcher = w.launcher;
+    CommandContext& ctx = w.ctx;
 
     runMenuItem(*findMenuItem("mnuNavigateSiteList"), ctx);
     ASSERT_EQ(launcher.started.size(), 1u);
@@ -434,18 +453,10 @@ TEST(ChromiumSiteListLaunch, ALineWrittenAsASwitchArrivesAsAnAddress) {
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     const QString line = "--renderer-cmd-prefix=" + script;
     test::Harness h(line + "\r\n--user-data-dir=" + dir + "/other\r\n");
-    const Endpoint endpoint{"127.0.0.1", test::freeLoopbackPort()};
-    h.setSetting("frmEdit", "Browser Endpoint", endpoint.text());
-    h.setSetting("frmEdit", "Browser Path", test::testChromiumPath());
-    const AppSettings settings(h.settings, h.startUp.RegKeyAppName);
-    test::HeadlessLauncher launcher;
-    DevToolsBrowserPort port(settings, h.log, h.clipboard, launcher);
-    port.profileDir = dir + "/profile";
-    SiteListState walk(std::make_unique<test::SteppedSiteTimer>());
-    CommandContext ctx(h.edit, h.dialogs, h.clipboard, settings, h.log, h.clock, launcher, h.menu,
-                       h.util, h.form, h.window, h.startUp);
-    ctx.browser = &port;
-    ctx.siteList = &walk;
+    SiteWalk w(h, dir + "/profile");
+    const Endpoint& endpoint = w.endpoint;
+    test::HeadlessLauncher& launcher = w.launcher;
+    CommandContext& ctx = w.ctx;
 
     runMenuItem(*findMenuItem("mnuNavigateSiteList"), ctx);
     ASSERT_EQ(launcher.started.size(), 1u);
