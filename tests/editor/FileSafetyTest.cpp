@@ -6,6 +6,7 @@
 #include "editor/EditorWindow.h"
 #include "editor/PlainTextEditControl.h"
 #include "editor/Recovery.h"
+#include "WindowFixture.h"
 #include "support/Fakes.h"
 
 #include <QAction>
@@ -26,7 +27,7 @@ using namespace ed::test;
 
 namespace {
 
-class FileSafetyTest : public ::testing::Test {
+class FileSafetyTest : public WindowFixture {
 protected:
     FileSafetyTest() {
         qputenv("XDG_STATE_HOME", (dir_.path() + "/state").toLocal8Bit());
@@ -34,15 +35,6 @@ protected:
     }
     ~FileSafetyTest() override { qputenv("XDG_STATE_HOME", savedState_); }
 
-    void open(const QString& commandLine = QString()) {
-        runStartUp(startUp_, dir_.path() + "/bin/Editor", {});
-        startUp_.CommandLine = commandLine;
-        window_ = std::make_unique<EditorWindow>(startUp_);
-        window_->setDialogs(&dialogs_);
-        window_->setFileDialogs(&files_);
-        window_->load();
-    }
-    QString path(const QString& name) const { return dir_.path() + "/" + name; }
     QString text() { return window_->editControl().text(); }
     // Keys pressed in the text widget, as a person types them.
     void type(const QString& keys) {
@@ -66,11 +58,6 @@ protected:
     void openWithDialog(const QString& name) { files_.openAnswers.push_back({path(name), 1}); }
 
     QByteArray savedState_ = qgetenv("XDG_STATE_HOME");
-    QTemporaryDir dir_;
-    StartUpState startUp_;
-    FakeDialogs dialogs_;
-    FakeFileDialogs files_;
-    std::unique_ptr<EditorWindow> window_;
 };
 
 // A load that fails empties the document but leaves the caption on the last file: Save must

@@ -5,6 +5,7 @@
 #include "editor/LinkMenu.h"
 #include "editor/PlainTextEditControl.h"
 #include "editor/WindowAdapters.h"
+#include "WindowFixture.h"
 #include "support/Fakes.h"
 
 #include <QDir>
@@ -27,17 +28,8 @@ QByteArray numberedLines(int count, const QByteArray& text = "line ") {
     return out;
 }
 
-class WindowTest : public ::testing::Test {
+class WindowTest : public WindowFixture {
 protected:
-    void open(const QString& commandLine = QString()) {
-        runStartUp(startUp_, dir_.path() + "/bin/Editor", {});
-        startUp_.CommandLine = commandLine;
-        window_ = std::make_unique<EditorWindow>(startUp_);
-        window_->setDialogs(&dialogs_);
-        window_->setFileDialogs(&files_);
-        window_->load();
-    }
-    QString path(const QString& name) const { return dir_.path() + "/" + name; }
     // Opens a file holding `bytes`.
     void openFile(const QString& name, const QByteArray& bytes) {
         writeFile(path(name), bytes);
@@ -58,11 +50,6 @@ protected:
         };
     }
 
-    QTemporaryDir dir_;
-    StartUpState startUp_;
-    FakeDialogs dialogs_;
-    FakeFileDialogs files_;
-    std::unique_ptr<EditorWindow> window_;
 };
 
 TEST_F(WindowTest, MenuBarFollowsTheTable) {

@@ -1,0 +1,36 @@
+#pragma once
+// The real window on the offscreen platform, started as the program starts it, with scripted
+// dialogs and a temporary folder for its files.
+
+#include "editor/EditorWindow.h"
+#include "support/Fakes.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace ed::test {
+
+class WindowFixture : public ::testing::Test {
+protected:
+    // Starts the window with `commandLine` as the program's command line.
+    void open(const QString& commandLine = QString()) {
+        runStartUp(startUp_, dir_.path() + "/bin/Editor", {});
+        startUp_.CommandLine = commandLine;
+        window_ = std::make_unique<EditorWindow>(startUp_);
+        window_->setDialogs(&dialogs_);
+        window_->setFileDialogs(&files_);
+        window_->load();
+    }
+    QString path(const QString& name) const { return dir_.path() + "/" + name; }
+
+    QTemporaryDir dir_;
+    StartUpState startUp_;
+    FakeDialogs dialogs_;
+    FakeFileDialogs files_;
+    std::unique_ptr<EditorWindow> window_;
+};
+
+} // namespace ed::test
