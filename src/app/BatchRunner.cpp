@@ -9,8 +9,6 @@
 #include "app/Trap.h"
 #include "editor/DocumentIO.h"
 #include "editor/MenuTable.h"
-#include "textcmds/Utf8Commands.h"
-#include "util/Utf8Document.h"
 #include "util/Utility.h"
 #include "web/BrowserPort.h"
 
@@ -143,38 +141,6 @@ bool readInput(const QString& path, QByteArray& bytes, QString& error) {
     return ok;
 }
 
-// Decodes the input as the window does. A document with no line break has no style of its own:
-// the output then uses the model's CR LF, as the commands write it.
-LoadedDocument decodeInput(const QByteArray& bytes) {
-    LoadedDocument doc = decodeDocument(bytes, QString());
-    if (!doc.text.contains(QStringLiteral("\r\n")))
-        doc.format.lineBreak = LineBreak::CrLf;
-    return doc;
-}
-
-// A single command over the whole of a UTF-8 document can work on its bytes when it has such a
-// version; nothing is decoded then.
-std::optional<Utf8Document> directDocument(const BatchOptions& o, const QByteArray& bytes,
-                                           Utf8Handler& handler) {
-    if (!o.directUtf8 || o.steps.size() != 1 || o.report || o.steps[0].hasSelect)
-        return std::nullopt;
-    const Utf8Command* command = findUtf8Command(findByBatchName(o.steps[0].item)->handler);
-    if (!command)
-        return std::nullopt;
-    handler = command->run;
-    return Utf8Document::fromFile(bytes, command->usesLines);
-}
-
-// Runs the bytes version of an item under the item's error trap, as runMenuItem runs it.
-void runUtf8Item(const MenuItemDecl& item, Utf8Handler handler, CommandContext& ctx,
-                 Utf8Document& doc) {
-    try {
-        handler(ctx, doc);
-    } catch (const std::exception& e) {
-        ctx.log.logError(trapModule(item), trapLabel(item), describe(e));
-    }
-}
-
 // The --out target must be able to become a file: checked before anything runs.
 bool checkOutTarget(const QString& path, QString& error) {
     if (path.isEmpty())
@@ -224,13 +190,10 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
         writeLine(err, QStringLiteral("Editor: ") + usageError);
         return 2;
     }
-    Utf8Handler directHandler = nullptr;
-    std::optional<Utf8Document> direct = directDocument(o, input, directHandler);
-    LoadedDocument doc;
-    if (!direct) {
-        doc = decodeInput(input);
-        input = QByteArray();
-    }
+    // Decoded as the window decodes a file; a UTF-8 file with CR LF breaks is used as it is.
+    TextFormat format;
+    TextBuffer edit = TextBuffer::fromUtf8(decodeToModel(input, &format));
+    input = QByteArray();
 
     QStringList reportLines;
     const ReportFn report = [&](const QString& line) {
@@ -245,7 +208,6 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
     logger.hooks().observer = [&](const QString& module, const QString& location,
                                   const QString& detail) { errors.add(module, location, detail); };
     SettingsStore store(&logger);
-    TextBuffer edit(std::move(doc.text));
     ScriptedDialogs dialogs(report);
     MemoryClipboard clipboard;
     DeclaredMenuState menu;
@@ -277,10 +239,7 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
             edit.setSelStart(step.selStart);
             edit.setSelLength(step.selLength);
         }
-        if (direct)
-            runUtf8Item(*findByBatchName(step.item), directHandler, ctx, *direct);
-        else
-            runMenuItem(*findByBatchName(step.item), ctx);
+        runMenuItem(*findByBatchName(step.item), ctx);
         if (!dialogs.error().isEmpty()) {
             writeLine(err, QStringLiteral("Editor: ") + dialogs.error());
             return 2;
@@ -298,7 +257,7 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
         writeLine(err, e);
 
     QString writeError;
-    const QByteArray result = direct ? direct->fileBytes() : encodeDocument(edit.text(), doc);
+    const QByteArray result = encodeModel(edit.utf8(), format);
     if (!writeOutput(o.outFile, result, out, writeError)) {
         writeLine(err, QStringLiteral("Editor: ") + writeError);
         return 1;

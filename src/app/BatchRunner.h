@@ -29,9 +29,6 @@ struct BatchOptions {
     bool report = false;
     QString outFile;
     QString inFile; // "" or "-" = standard input
-    // A single command over a whole UTF-8 document works on its bytes when it can (the same
-    // result, faster); off, every command goes through the decoded document.
-    bool directUtf8 = true;
 };
 
 // Parses the arguments after the program name. On a usage error returns false with `error` set.

@@ -3,6 +3,7 @@
 // the batch runner and the tests supply scripted ones, so each handler runs without a display.
 
 #include "app/LaunchTarget.h"
+#include "util/ModelText.h"
 
 #include <QDateTime>
 #include <QString>
@@ -32,6 +33,11 @@ public:
         t.replace(start, length, replacement);
         setText(t);
     }
+    // The text as the commands work on it: UTF-8 bytes with CR LF line breaks. An edit control
+    // that holds such bytes hands them over without a copy.
+    virtual QByteArray utf8() const { return toModelUtf8(text()); }
+    // Replaces the whole text by such bytes; the caret goes to 0.
+    virtual void setUtf8(const QByteArray& text) { setText(fromModelUtf8(text)); }
 };
 
 struct FontSpec {

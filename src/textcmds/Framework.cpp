@@ -38,6 +38,28 @@ QStringView trimSpaces(QStringView s) {
     return s.mid(b, e - b);
 }
 
-bool isBlank(QStringView s) { return trimSpaces(s).isEmpty(); }
+bool isBlank(QStringView s) {
+    return trimSpaces(s).isEmpty();
+}
+
+ByteSpan selectionBytes(const EditControl& edit, QByteArrayView text) {
+    const qsizetype start = byteOffsetOf(text, edit.selStart());
+    const qsizetype rest = text.sliced(start).size();
+    const qsizetype length = qMin(rest, byteOffsetOf(text.sliced(start), edit.selLength()));
+    return {start, length};
+}
+
+QByteArrayView trimSpaces(QByteArrayView s) {
+    qsizetype b = 0, e = s.size();
+    while (b < e && s[b] == ' ')
+        ++b;
+    while (e > b && s[e - 1] == ' ')
+        --e;
+    return s.sliced(b, e - b);
+}
+
+bool isBlank(QByteArrayView s) {
+    return trimSpaces(s).isEmpty();
+}
 
 } // namespace ed

@@ -24,6 +24,11 @@ TextFormat defaultTextFormat();
 QString decodeText(const QByteArray& bytes, TextFormat* format);
 QByteArray encodeText(const QString& model, const TextFormat& format);
 
+// The same on the model's UTF-8 bytes (CR LF breaks), the form the commands work on. A UTF-8 file
+// with CR LF breaks is taken as it is, without a copy.
+QByteArray decodeToModel(const QByteArray& bytes, TextFormat* format);
+QByteArray encodeModel(const QByteArray& model, const TextFormat& format);
+
 // Line-break conversion of the model alone.
 QString toModelBreaks(const QString& text, LineBreak style);
 QString fromModelBreaks(const QString& model, LineBreak style);

@@ -1,0 +1,151 @@
+#include "util/ModelText.h"
+
+#include "util/HugePages.h"
+#include "util/Utf8.h"
+
+namespace ed {
+
+namespace {
+
+#ifdef __SSE2__
+// Per 16 bytes: the UTF-16 units they start (lead bytes count one, four-byte leads two).
+inline int unitsIn16(const char* p) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    // Continuation bytes 0x80-0xBF are -128..-65 as signed bytes; leads of four 0xF0-0xF4 are
+    // -16..-12.
+    const int cont = _mm_movemask_epi8(_mm_cmplt_epi8(v, _mm_set1_epi8(-64)));
+    const int four =
+        _mm_movemask_epi8(_mm_cmpgt_epi8(v, _mm_set1_epi8(-17))) & _mm_movemask_epi8(v);
+    return 16 - __builtin_popcount(unsigned(cont)) + __builtin_popcount(unsigned(four));
+}
+#endif
+
+inline int unitsOf(unsigned char b) {
+    return (b & 0xC0) == 0x80 ? 0 : b >= 0xF0 ? 2 : 1;
+}
+
+} // namespace
+
+QByteArray toModelUtf8(QStringView text) {
+    const qsizetype n = text.size();
+    QByteArray out(3 * n, Qt::Uninitialized);
+    adviseHugePages(out.constData(), size_t(out.size()));
+    char* d = out.data();
+    const char16_t* s = text.utf16();
+    for (qsizetype i = 0; i < n;) {
+        const char16_t c = s[i];
+        if (c < 0x80) {
+            *d++ = char(c);
+            ++i;
+        } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(s[i + 1])) {
+            d = encodeUtf8At(QChar::surrogateToUcs4(c, s[i + 1]), d);
+            i += 2;
+        } else if (c < 0x800) {
+            *d++ = char(0xC0 | (c >> 6));
+            *d++ = char(0x80 | (c & 0x3F));
+            ++i;
+        } else {
+            // Three bytes; a lone surrogate is written as the three bytes its value would take.
+            *d++ = char(0xE0 | (c >> 12));
+            *d++ = char(0x80 | ((c >> 6) & 0x3F));
+            *d++ = char(0x80 | (c & 0x3F));
+            ++i;
+        }
+    }
+    out.truncate(d - out.constData());
+    return out;
+}
+
+QString fromModelUtf8(QByteArrayView bytes) {
+    const qsizetype n = bytes.size();
+    QString out(n, Qt::Uninitialized);
+    adviseHugePages(out.constData(), size_t(n) * sizeof(QChar));
+    auto* d = reinterpret_cast<char16_t*>(out.data());
+    const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
+    for (qsizetype i = 0; i < n;) {
+        const unsigned char c = s[i];
+        if (c < 0x80) {
+            *d++ = c;
+            ++i;
+            continue;
+        }
+        quint32 cp;
+        int len = checkedUtf8At(s + i, n - i, cp);
+        if (len == 0 && c == 0xED && n - i >= 3 && (s[i + 1] & 0xC0) == 0x80 &&
+            (s[i + 2] & 0xC0) == 0x80) {
+            // A lone surrogate kept by toModelUtf8.
+            cp = 0xD000 | ((s[i + 1] & 0x3F) << 6) | (s[i + 2] & 0x3F);
+            len = 3;
+        }
+        if (len == 0) {
+            // Not from this program's model: each stray byte reads as its Latin-1 character.
+            *d++ = c;
+            ++i;
+            continue;
+        }
+        if (cp >= 0x10000) {
+            *d++ = char16_t(0xD800 + ((cp - 0x10000) >> 10));
+            *d++ = char16_t(0xDC00 + ((cp - 0x10000) & 0x3FF));
+        } else {
+            *d++ = char16_t(cp);
+        }
+        i += len;
+    }
+    out.truncate(d - reinterpret_cast<const char16_t*>(out.constData()));
+    return out;
+}
+
+qsizetype utf16Length(QByteArrayView bytes) {
+    const char* p = bytes.data();
+    const qsizetype n = bytes.size();
+    qsizetype units = 0;
+    qsizetype i = 0;
+#ifdef __SSE2__
+    for (; i + 16 <= n; i += 16)
+        units += unitsIn16(p + i);
+#endif
+    for (; i < n; ++i)
+        units += unitsOf((unsigned char)p[i]);
+    return units;
+}
+
+qsizetype byteOffsetOf(QByteArrayView bytes, qsizetype pos) {
+    const char* p = bytes.data();
+    const qsizetype n = bytes.size();
+    if (pos <= 0)
+        return 0;
+    qsizetype left = pos;
+    qsizetype i = 0;
+#ifdef __SSE2__
+    for (; i + 16 <= n; i += 16) {
+        const int u = unitsIn16(p + i);
+        if (u >= left)
+            break;
+        left -= u;
+    }
+#endif
+    for (; i < n; ++i) {
+        const int u = unitsOf((unsigned char)p[i]);
+        if (u == 0)
+            continue;
+        if (left < u)
+            return i; // at this character, or inside its surrogate pair
+        left -= u;
+        if (left == 0) {
+            // The position is right after this character: skip its continuation bytes.
+            ++i;
+            while (i < n && ((unsigned char)p[i] & 0xC0) == 0x80)
+                ++i;
+            return i;
+        }
+    }
+    return n;
+}
+
+qsizetype countModelLines(QByteArrayView text) {
+    qsizetype lines = 0;
+    forEachModelLine(text, [&](QByteArrayView) { ++lines; });
+    return lines;
+}
+
+} // namespace ed
