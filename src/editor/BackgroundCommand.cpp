@@ -22,7 +22,7 @@ namespace {
 // What a command running on the worker uses: its own copy of everything it may touch.
 struct Job : BusyToken {
     TextBuffer doc;
-    QString original;
+    QByteArray original;
     std::optional<PreparedDocument> prepared;
     SystemClock clock;
     ProcessLauncher launcher;
@@ -128,17 +128,17 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
     auto work = [job, decl, ui, prepare] {
         runMenuItem(*decl, *job->ctx);
         // The widget's document for a changed text is built here too, not on the window's thread.
-        if (prepare && !job->cancelled && job->doc.text() != job->original)
+        if (prepare && !job->cancelled && job->doc.utf8() != job->original)
             job->prepared.emplace(job->doc.text(), ui, job.get());
     };
-    job->original = job->doc.text();
+    job->original = job->doc.utf8();
     if (!s_.busy->run(QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
                       work, job))
         return false; // the worker finishes on its own; its result is dropped
     // The result goes to the document in one step, as the command itself would assign it.
     if (job->prepared)
         s_.widgetEdit->adopt(std::move(*job->prepared));
-    else if (job->doc.text() != s_.edit->text())
+    else if (job->doc.utf8() != job->original)
         s_.edit->setText(job->doc.text());
     s_.edit->setSelStart(job->doc.selStart());
     s_.edit->setSelLength(job->doc.selLength());
