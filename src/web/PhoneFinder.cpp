@@ -18,8 +18,8 @@ namespace pn = i18n::phonenumbers;
 namespace {
 
 constexpr int kNorthAmerica = 1;
-// Candidates the matcher tries on one line before it gives up on the rest of that line.
-constexpr int kMaxTriesPerLine = 100000;
+// Candidates the matcher tries in one piece of a line before it gives up on the rest of it.
+constexpr int kMaxTriesPerPiece = 10000;
 
 const pn::PhoneNumberOfflineGeocoder& geocoder() {
     static const pn::PhoneNumberOfflineGeocoder instance;
@@ -59,21 +59,50 @@ FoundPhoneNumber describe(const pn::PhoneNumber& number) {
     return found;
 }
 
+bool isAsciiLetter(char c) {
+    return (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
+}
+
+// The matcher's work grows with the square of the text it is given, so a long line is read in
+// pieces of about kPiece bytes, cut after a letter (which a number does not hold) where one is
+// near the end of the piece, else anywhere between two characters.
+constexpr size_t kPiece = 1024;
+
+size_t pieceEnd(const std::string& line, size_t from) {
+    if (line.size() - from <= kPiece)
+        return line.size();
+    const size_t limit = from + kPiece;
+    for (size_t p = limit; p > from + kPiece / 2; --p) {
+        if (isAsciiLetter(line[p - 1]) && (line[p] < '0' || line[p] > '9'))
+            return p;
+    }
+    size_t p = limit;
+    while (p > from + 1 && (static_cast<unsigned char>(line[p]) & 0xC0) == 0x80)
+        --p; // not inside a character
+    return p;
+}
+
 // The numbers of one line of text.
 void findInLine(QStringView line, std::vector<FoundPhoneNumber>& out) {
     if (!hasDigit(line))
         return;
     const std::string utf8 = line.toUtf8().toStdString();
-    pn::PhoneNumberMatcher matcher(*pn::PhoneNumberUtil::GetInstance(), utf8, "US",
-                                   pn::PhoneNumberMatcher::VALID, kMaxTriesPerLine);
-    pn::PhoneNumberMatch match;
+    const pn::PhoneNumberUtil& util = *pn::PhoneNumberUtil::GetInstance();
     size_t previousEnd = 0;
-    while (matcher.HasNext() && matcher.Next(&match)) {
-        FoundPhoneNumber found = describe(match.number());
-        const size_t start = size_t(std::max(match.start(), 0));
-        found.fax = containsFax(utf8, previousEnd, std::min(start, utf8.size()));
-        previousEnd = std::max(previousEnd, size_t(std::max(match.end(), 0)));
-        out.push_back(std::move(found));
+    for (size_t from = 0; from < utf8.size();) {
+        const size_t to = pieceEnd(utf8, from);
+        const std::string piece = utf8.substr(from, to - from);
+        pn::PhoneNumberMatcher matcher(util, piece, "US", pn::PhoneNumberMatcher::VALID,
+                                       kMaxTriesPerPiece);
+        pn::PhoneNumberMatch match;
+        while (matcher.HasNext() && matcher.Next(&match)) {
+            FoundPhoneNumber found = describe(match.number());
+            const size_t start = from + size_t(std::max(match.start(), 0));
+            found.fax = containsFax(utf8, previousEnd, std::min(start, utf8.size()));
+            previousEnd = std::max(previousEnd, from + size_t(std::max(match.end(), 0)));
+            out.push_back(std::move(found));
+        }
+        from = to;
     }
 }
 
