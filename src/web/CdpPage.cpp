@@ -321,7 +321,7 @@ QList<DocumentRef> CdpPage::allDocuments() {
 }
 
 void CdpPage::appendWithFrames(const DocumentRef& document, int depth, QList<DocumentRef>& out) {
-    // Depth as the browser limits it; a page cannot nest itself deeper than that.
+    // Frames nested deeper than this are not read (a page that nests itself without end).
     constexpr int kMaxDepth = 32;
     out << document;
     if (depth >= kMaxDepth)
