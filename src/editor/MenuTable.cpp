@@ -16,6 +16,7 @@
 #include "textcmds/PrefixSuffix.h"
 #include "textcmds/Whitespace.h"
 #include "web/BrowserCommands.h"
+#include "web/HarvestCommands.h"
 #include "web/SiteList.h"
 
 #include <QHash>
@@ -97,10 +98,13 @@ const std::vector<MenuItemDecl> kItems = {
      "Sub mnuGetBrowserHtml_Click", nullptr},
     {"mnuGetBrowserLinks", "Links", "mnuLoad", "", kNone, mnuGetBrowserLinks_Click,
      "Sub mnuGetBrowserLinks_Click", nullptr},
-    {"mnuGetBrowserEmail", "Email", "mnuLoad", "", W, nullptr, nullptr, nullptr},
-    {"mnuGetFaxNumbers", "Fax #s", "mnuLoad", "", W, nullptr, nullptr, nullptr},
-    {"mnuGetPhoneNumbers", "Phone #s", "mnuLoad", "", W, nullptr, nullptr, nullptr},
-    {"mnuAnyTagContent", "Any Tag Content", "mnuLoad", "", W, nullptr, nullptr, nullptr},
+    {"mnuGetBrowserEmail", "Email", "mnuLoad", "", kNone, mnuGetBrowserEmail_Click, nullptr,
+     nullptr},
+    {"mnuGetFaxNumbers", "Fax #s", "mnuLoad", "", kNone, mnuGetFaxNumbers_Click, nullptr, nullptr},
+    {"mnuGetPhoneNumbers", "Phone #s", "mnuLoad", "", kNone, mnuGetPhoneNumbers_Click, nullptr,
+     nullptr},
+    {"mnuAnyTagContent", "Any Tag Content", "mnuLoad", "", kNone, mnuAnyTagContent_Click, nullptr,
+     nullptr},
     {"mnuGetBrowserLinksConditional", "Links Conditionally", "mnuLoad", "", kNone,
      mnuGetBrowserLinksConditional_Click, nullptr, nullptr},
     // Tools
@@ -212,9 +216,13 @@ const QHash<QString, const MenuItemDecl*>& index() {
 
 } // namespace
 
-const std::vector<MenuItemDecl>& menuItems() { return kItems; }
+const std::vector<MenuItemDecl>& menuItems() {
+    return kItems;
+}
 
-const MenuItemDecl* findMenuItem(const QString& name) { return index().value(name, nullptr); }
+const MenuItemDecl* findMenuItem(const QString& name) {
+    return index().value(name, nullptr);
+}
 
 QString batchName(const MenuItemDecl& item) {
     QString n = QString::fromLatin1(item.name);

@@ -6,9 +6,11 @@
 #include "web/Endpoint.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
+#include <exception>
 #include <functional>
 #include <memory>
 
@@ -50,6 +52,21 @@ public:
     virtual QString documentHtml(const DocumentRef& document) = 0;
     virtual QString documentText(const DocumentRef& document) = 0;
     virtual QStringList documentLinks(const DocumentRef& document) = 0;
+    // The top document, then the document of every frame in it, in the order of the frames
+    // collection; a frame that cannot be read is left out. The browser adapter also walks the
+    // frames of frames; this default reads one level.
+    virtual QList<DocumentRef> allDocuments() {
+        QList<DocumentRef> documents{topDocument()};
+        const int n = frameCount();
+        for (int i = 0; i < n; ++i) {
+            try {
+                documents << frameDocument(i);
+            } catch (const std::exception&) {
+                continue; // gone meanwhile, or not readable
+            }
+        }
+        return documents;
+    }
 
     virtual QString locationUrl() = 0;
     // The title, or the address when the page has none.

@@ -268,7 +268,11 @@ int CdpPage::frameCount() {
 }
 
 DocumentRef CdpPage::frameDocument(int index) {
-    const Evaluation owner = evaluate(topDocument(), frameOwnerScript(index), false);
+    return childFrame(topDocument(), index);
+}
+
+DocumentRef CdpPage::childFrame(const DocumentRef& parent, int index) {
+    const Evaluation owner = evaluate(parent, frameOwnerScript(index), false);
     const QString objectId = owner.result.value(QStringLiteral("objectId")).toString();
     if (objectId.isEmpty())
         fail(QStringLiteral("The page has no frame %1.").arg(index));
@@ -308,6 +312,37 @@ QStringList CdpPage::documentLinks(const DocumentRef& document) {
     for (const QJsonValue& v : links.toArray())
         out << v.toString();
     return out;
+}
+
+QList<DocumentRef> CdpPage::allDocuments() {
+    QList<DocumentRef> out;
+    appendWithFrames(topDocument(), 0, out);
+    return out;
+}
+
+void CdpPage::appendWithFrames(const DocumentRef& document, int depth, QList<DocumentRef>& out) {
+    // Frames nested deeper than this are not read (a page that nests itself without end).
+    constexpr int kMaxDepth = 32;
+    out << document;
+    if (depth >= kMaxDepth)
+        return;
+    int n = 0;
+    try {
+        n = evaluateValue(document, QStringLiteral("window.frames.length")).toInt();
+    } catch (const RuntimeError&) {
+        if (depth == 0)
+            throw;
+        return; // a frame that went away meanwhile
+    }
+    for (int i = 0; i < n; ++i) {
+        DocumentRef frame;
+        try {
+            frame = childFrame(document, i);
+        } catch (const RuntimeError&) {
+            continue;
+        }
+        appendWithFrames(frame, depth + 1, out);
+    }
 }
 
 QJsonObject CdpPage::targetInfo() {

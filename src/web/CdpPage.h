@@ -39,6 +39,7 @@ public:
     QString documentHtml(const DocumentRef& document) override;
     QString documentText(const DocumentRef& document) override;
     QStringList documentLinks(const DocumentRef& document) override;
+    QList<DocumentRef> allDocuments() override;
 
     QString locationUrl() override;
     QString locationName() override;
@@ -69,6 +70,9 @@ private:
     Evaluation evaluate(const DocumentRef& document, const QString& expression, bool byValue);
     QJsonValue evaluateValue(const DocumentRef& document, const QString& expression);
     QStringList allFrameIds();
+    // The document of window.frames[index] of `parent`; throws when there is none.
+    DocumentRef childFrame(const DocumentRef& parent, int index);
+    void appendWithFrames(const DocumentRef& document, int depth, QList<DocumentRef>& out);
 
     std::unique_ptr<CdpClient> client_;
     BrowserHandle handle_;

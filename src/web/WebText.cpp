@@ -1,6 +1,7 @@
 #include "web/WebText.h"
 
 #include "app/LaunchTarget.h"
+#include "web/TopLevelDomains.h"
 
 #include <vector>
 
@@ -60,7 +61,8 @@ bool isLabelChar(QChar c) {
     return c.isLetterOrNumber() || c == u'-';
 }
 
-// host.tld with labels of letters, digits and inner hyphens; the last label letters only.
+// host.tld with labels of letters, digits and inner hyphens; the last label a real top-level
+// domain.
 bool isDomainName(QStringView host) {
     if (host.endsWith(u'.'))
         host.chop(1);
@@ -75,14 +77,7 @@ bool isDomainName(QStringView host) {
                 return false;
         }
     }
-    const QStringView tld = labels.back();
-    if (tld.size() < 2)
-        return false;
-    for (QChar c : tld) {
-        if (!c.isLetter())
-            return false;
-    }
-    return true;
+    return isTopLevelDomain(labels.back());
 }
 
 bool isDottedIPv4(QStringView host) {

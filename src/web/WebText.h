@@ -31,8 +31,10 @@ QString stripHtml(const QString& text);
 enum LinkClass { NotALink = 0, EmailAddress = 1, WebLink = 2 };
 // Classifies an address. With `checkProtocol` a protocol prefix decides first ("mailto:" an
 // e-mail address, http/https/ftp/file a web link, any other scheme neither); without one, or
-// with `checkProtocol` false, the bare text is judged: name@domain.tld is an e-mail address,
-// host.tld[:port][/path], localhost or a dotted IPv4 address a web link.
+// with `checkProtocol` false, the bare text is judged: local@domain.tld is an e-mail address,
+// host.tld[:port][/path], localhost or a dotted IPv4 address a web link. The local part holds
+// letters, digits and .!#$%&'*+/=?^_`{|}~- (no leading, trailing or double dot); tld is a real
+// top-level domain of the public suffix list.
 int isThisEmailOrLink(const QString& text, bool checkProtocol);
 bool isEmailAddress(const QString& text);
 bool isBareWebAddress(const QString& text);

@@ -103,6 +103,12 @@ public:
     void SaveWebPage();
     QStringList Get_HtmlTag_Content(const QString& startTag, const QString& stopTag,
                                     const QString& html);
+    // The e-mail addresses of the page and of every frame in it, whatever its site: those of
+    // the mailto: links first, then those in the visible text, each once (case ignored).
+    QStringList CollectEmail();
+    // The numbers in the visible text of the page and of every frame in it, one line each
+    // ("(212) 555-0142<TAB>New York, NY"): the fax numbers with `fax`, else the others.
+    QStringList CollectPhoneNumbers(bool fax);
     qint32 ProtocolTypes_Count() const;
     QString ProtocolTypes_ListItem(qint32 index) const;
 
@@ -125,6 +131,9 @@ private:
     void launchBrowser();
     void setEdge(const char* label, BrowserPage::Edge edge, qint32 value);
     QString propertyFromAllFrames(const char* label, bool html);
+    // Reads every document of the page (frames at any depth) with `read`, in order; frames
+    // that cannot be read are passed over.
+    template <class T, class Read> QList<T> readEveryDocument(Read read);
     BrowserPage& page();
 
     BrowserServices services_;

@@ -76,6 +76,12 @@ TEST(IsThisEmailOrLink, ClassifiesAddresses) {
         {".joe@example.com", false, NotALink},
         {"joe@example", false, NotALink},
         {"joe@example.c0m", false, NotALink},
+        // The top-level domain must be a real one.
+        {"o'neil+news@mail.example.MUSEUM", false, EmailAddress},
+        {"joe@example.zzz", false, NotALink},
+        {"mailto:joe@example.invalid", true, NotALink},
+        {"readme.txt", false, NotALink},
+        {"shop.example.xn--p1ai/x", false, WebLink},
         {"example", false, NotALink},
         {"two words.com", false, NotALink},
         {"-bad.example.com", false, NotALink},

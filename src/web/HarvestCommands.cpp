@@ -1,0 +1,84 @@
+#include "web/HarvestCommands.h"
+
+#include "editor/ClipboardCommands.h"
+#include "web/BrowserPort.h"
+#include "web/cIEObject.h"
+
+#include <memory>
+
+namespace ed {
+
+namespace {
+
+const QString kSection = QStringLiteral("frmEdit");
+
+// A fresh session attached to the active browser window, never starting one. Null when this
+// context has no browser connection; either way, when no browser answers the status bar says
+// where the program looked, and the session's operations give their empty results.
+std::unique_ptr<web::cIEObject> attachToActiveBrowser(CommandContext& ctx) {
+    std::unique_ptr<web::cIEObject> ie;
+    if (ctx.browser) {
+        ie = ctx.browser->createSession();
+        ie->InitializeObject(ie->GetActiveBrowser(false));
+    }
+    if (!ie || !ie->Initialized())
+        ctx.window.showStatus(ctx.browser ? noBrowserMessage(*ctx.browser)
+                                          : QStringLiteral("no browser found: this window has "
+                                                           "no browser connection"));
+    return ie;
+}
+
+QString asLines(const QStringList& entries) {
+    QString text;
+    for (const QString& entry : entries) {
+        text += entry;
+        text += QStringLiteral("\r\n");
+    }
+    return text;
+}
+
+QString askRemembered(CommandContext& ctx, const QString& prompt, const QString& title,
+                      const QString& key, const QString& defaultValue) {
+    const QString answer =
+        ctx.dialogs.inputBox(prompt, title, ctx.settings.get(kSection, key, defaultValue));
+    if (!answer.isEmpty())
+        ctx.settings.save(kSection, key, answer);
+    return answer;
+}
+
+} // namespace
+
+bool askStartAndStopTags(CommandContext& ctx, const QString& title, QString& start, QString& stop) {
+    start = askRemembered(ctx, QStringLiteral("Enter the start tag."), title,
+                          QStringLiteral("GetHtmlTagsStart"), QStringLiteral("<a>"));
+    if (start.isEmpty())
+        return false;
+    stop = askRemembered(ctx, QStringLiteral("Enter the stop tag."), title,
+                         QStringLiteral("GetHtmlTagsStop"), QStringLiteral("</a>"));
+    return !stop.isEmpty();
+}
+
+void mnuGetBrowserEmail_Click(CommandContext& ctx) {
+    const auto ie = attachToActiveBrowser(ctx);
+    InsertText(ctx, ie ? asLines(ie->CollectEmail()) : QString());
+}
+
+void mnuGetPhoneNumbers_Click(CommandContext& ctx) {
+    const auto ie = attachToActiveBrowser(ctx);
+    InsertText(ctx, ie ? asLines(ie->CollectPhoneNumbers(false)) : QString());
+}
+
+void mnuGetFaxNumbers_Click(CommandContext& ctx) {
+    const auto ie = attachToActiveBrowser(ctx);
+    InsertText(ctx, ie ? asLines(ie->CollectPhoneNumbers(true)) : QString());
+}
+
+void mnuAnyTagContent_Click(CommandContext& ctx) {
+    QString start, stop;
+    if (!askStartAndStopTags(ctx, QStringLiteral("Any Tag Content"), start, stop))
+        return;
+    const auto ie = attachToActiveBrowser(ctx);
+    InsertText(ctx, ie ? asLines(ie->Get_HtmlTag_Content(start, stop, QString())) : QString());
+}
+
+} // namespace ed

@@ -1,0 +1,182 @@
+// Harvesting a page: e-mail addresses cut out of running text and mailto: links, phone and fax
+// numbers, and the Email, Phone #s, Fax #s and Any Tag Content commands over a scripted browser
+// (frames, repeats, an unreadable frame, no browser, prompts and their remembered answers).
+
+#include "FakeBrowser.h"
+#include "support/Fakes.h"
+
+#include "web/EmailFinder.h"
+#include "web/PhoneFinder.h"
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+using namespace ed::web;
+
+namespace {
+
+TEST(EmailsInText, CutsAddressesOutOfRunningText) {
+    const std::pair<const char*, QStringList> cases[] = {
+        {"Write to joe@example.com today.", {"joe@example.com"}},
+        {"<a.b+tag@mail.example.co.uk>, (x_y@example.org)",
+         {"a.b+tag@mail.example.co.uk", "x_y@example.org"}},
+        // Quotes and paths before an address, and punctuation after it, are not part of it.
+        {"'quoted@example.com' /path/joe@example.net. ?to=end-@example.org-",
+         {"quoted@example.com", "joe@example.net", "end-@example.org"}},
+        // A domain running into the next sentence ends at its last real top-level domain.
+        {"mail joe@example.com.Thanks", {"joe@example.com"}},
+        {"a@example.com,b@example.org;c@example.net",
+         {"a@example.com", "b@example.org", "c@example.net"}},
+        {"x..y@example.com", {"y@example.com"}},
+        {"Ünïcödé@exämple.com", {"Ünïcödé@exämple.com"}},
+        // Not addresses: no real top-level domain, no domain, no local part, a local part
+        // longer than 64 characters.
+        {"joe@example.invalidtld joe@localhost @example.com joe@ a@b", {}},
+        {"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa@example.com", {}},
+        {"", {}},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(emailsInText(QString::fromUtf8(text)), expected) << text;
+}
+
+TEST(EmailsInMailto, TakesEveryAddressBeforeTheQuery) {
+    const std::pair<const char*, QStringList> cases[] = {
+        {"mailto:joe@example.com", {"joe@example.com"}},
+        {"MAILTO:a@example.com,b@example.org?cc=c@example.net", {"a@example.com", "b@example.org"}},
+        {"mailto:first%40example.com%2C%20second@example.net",
+         {"first@example.com", "second@example.net"}},
+        {"mailto:J%C3%B6rg@example.de?subject=hi", {"Jörg@example.de"}},
+        {"mailto:?subject=nobody", {}},
+        {"http://example.com/joe@example.com", {}},
+    };
+    for (const auto& [href, expected] : cases)
+        EXPECT_EQ(emailsInMailto(QString::fromUtf8(href)), expected) << href;
+}
+
+TEST(PhoneNumberLines, FindsValidatesFormatsAndPlacesNumbers) {
+    const QStringList texts = {
+        "Call (212) 555-0142 or +44 20 7946 0958.\r\nFax: 212-555-0199, phone 415.555.2671 "
+        "fax 202 456 1111\r\nagain 1 212 555 0142, not a number 555-12",
+        "+33 1 42 68 53 00 and +1 (415) 555-2671\nFAX +33 1 42 68 53 01",
+    };
+    EXPECT_EQ(phoneNumberLines(texts, false),
+              (QStringList{"(212) 555-0142\tNew York, NY", "+44 20 7946 0958\tLondon",
+                           "(415) 555-2671\tSan Francisco, CA", "+33 1 42 68 53 00\tParis"}));
+    EXPECT_EQ(phoneNumberLines(texts, true),
+              (QStringList{"(212) 555-0199\tNew York, NY", "(202) 456-1111\tWashington D.C.",
+                           "+33 1 42 68 53 01\tParis"}));
+    EXPECT_TRUE(phoneNumberLines({"no numbers, 12 34", ""}, false).isEmpty());
+}
+
+TEST(PhoneNumberLines, FaxLabelsCountOnTheirOwnLineOnly) {
+    const QString words = QStringLiteral("word ").repeated(400); // a line read in pieces
+    struct Case {
+        QStringList texts, phones, faxes;
+    };
+    const Case cases[] = {
+        // A number labelled fax anywhere is not a phone number.
+        {{"Phone 212-555-0199", "Fax: 212-555-0199"}, {}, {"(212) 555-0199\tNew York, NY"}},
+        {{"Fax:\n212-555-0199"}, {"(212) 555-0199\tNew York, NY"}, {}},
+        {{"fax 212-555-0199 " + words + "415-555-2671 fax: " + words + "202-456-1111"},
+         {"(415) 555-2671\tSan Francisco, CA"},
+         {"(212) 555-0199\tNew York, NY", "(202) 456-1111\tWashington D.C."}},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(phoneNumberLines(c.texts, false), c.phones) << c.texts.join('|').left(60);
+        EXPECT_EQ(phoneNumberLines(c.texts, true), c.faxes) << c.texts.join('|').left(60);
+    }
+}
+
+struct Browser {
+    explicit Browser(const QString& text = QString()) : h(text) { h.ctx.browser = &port; }
+    Harness h;
+    FakeBrowserPort port{h.log, h.clipboard, h.launcher};
+    FakeBrowserWindow& window() { return *port.connector->window; }
+};
+
+TEST(HarvestCommands, AddressesAndNumbersComeFromThePageAndItsFrames) {
+    struct Case {
+        const char* item;
+        QString inserted;
+    };
+    const Case cases[] = {
+        {"mnuGetBrowserEmail", "links@example.com\r\nTop@Example.com\r\nframe@example.org\r\n"},
+        {"mnuGetPhoneNumbers", "(212) 555-0142\tNew York, NY\r\n+44 20 7946 0958\tLondon\r\n"},
+        {"mnuGetFaxNumbers", "(415) 555-2671\tSan Francisco, CA\r\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.item);
+        Browser b("doc");
+        b.window().top = {"",
+                          "Top@Example.com links@EXAMPLE.com (212) 555-0142",
+                          {"http://example.com/", "mailto:links@example.com"}};
+        b.window().frames = {{"", "frame@example.org +44 20 7946 0958 Fax 415 555 2671", {}},
+                             {"", "hidden@example.net 212 555 0100", {}, true},
+                             {"", "top@example.com 212-555-0142", {}}};
+        b.h.select(3, 0);
+        b.h.run(c.item);
+        EXPECT_EQ(b.h.edit.text(), "doc" + c.inserted);
+        EXPECT_EQ(b.h.form.UndoText, "doc");
+        EXPECT_TRUE(b.h.log.errors.empty());
+    }
+}
+
+TEST(HarvestCommands, NoBrowserOrNoMatchInsertsNothing) {
+    for (const char* item : {"mnuGetBrowserEmail", "mnuGetPhoneNumbers", "mnuGetFaxNumbers"}) {
+        SCOPED_TRACE(item);
+        Browser none("abc");
+        none.port.connector->browserOpen = false;
+        none.h.run(item);
+        EXPECT_EQ(none.h.edit.text(), "\r\nabc");
+        EXPECT_EQ(none.h.window.statuses, QStringList{noBrowserMessage(none.port)});
+
+        Browser empty("abc");
+        empty.window().top = {"<p>nothing</p>", "nothing here at all", {"http://example.com/"}};
+        empty.h.run(item);
+        EXPECT_EQ(empty.h.edit.text(), "\r\nabc");
+        EXPECT_TRUE(empty.h.window.statuses.isEmpty());
+
+        Browser failing("abc");
+        failing.window().failEverything = true;
+        failing.h.run(item);
+        EXPECT_EQ(failing.h.edit.text(), "\r\nabc");
+        EXPECT_EQ(failing.h.log.errors.size(), 1u);
+    }
+}
+
+TEST(HarvestCommands, AnyTagContentAsksForTagsAndCutsThePage) {
+    struct Case {
+        QStringList answers;
+        QString inserted;
+        QString start, stop; // remembered afterwards
+    };
+    const Case cases[] = {
+        {{"<b>", "</B>"}, ">one\r\n class=\"x\">two\r\n", "<b>", "</B>"},
+        {{"<i>", "</i>"}, "\r\n", "<i>", "</i>"}, // no element: the one empty entry
+        {{"<b>"}, "", "<b>", "stop"},             // stop tag cancelled: nothing happens
+        {{}, "", "start", "stop"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.answers.join(' ').toStdString());
+        Browser b("x");
+        b.window().top.html = "<p><b>one</b> <B class=\"x\">two</B></p>";
+        b.h.setSetting("frmEdit", "GetHtmlTagsStart", "start");
+        b.h.setSetting("frmEdit", "GetHtmlTagsStop", "stop");
+        b.h.select(1, 0);
+        b.h.dialogs.answers.assign(c.answers.begin(), c.answers.end());
+        b.h.run("mnuAnyTagContent");
+        EXPECT_EQ(b.h.edit.text(), "x" + c.inserted);
+        EXPECT_EQ(b.h.setting("frmEdit", "GetHtmlTagsStart"), c.start);
+        EXPECT_EQ(b.h.setting("frmEdit", "GetHtmlTagsStop"), c.stop);
+        ASSERT_GE(b.h.dialogs.prompts.size(), 1u);
+        EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Enter the start tag.");
+        EXPECT_EQ(b.h.dialogs.prompts[0].title, "Any Tag Content");
+        EXPECT_EQ(b.h.dialogs.prompts[0].defaultAnswer, "start");
+        if (b.h.dialogs.prompts.size() > 1) {
+            EXPECT_EQ(b.h.dialogs.prompts[1].prompt, "Enter the stop tag.");
+        }
+    }
+}
+
+} // namespace
