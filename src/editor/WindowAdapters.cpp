@@ -121,13 +121,12 @@ void WidgetGeometry::setTopmost(bool topmost, int x, int y, int cx, int cy) {
     // active, with the keyboard focus where it was, in the document unless it was elsewhere.
     if (visible) {
         window_->show();
-        // The platform's window keeps the focus, so no activation follows that would make the
+        window_->activateWindow();
+        // Where the platform's window kept the focus, no activation follows that would make the
         // widgets active again: do it here.
         if (QGuiApplication::focusWindow() &&
             QGuiApplication::focusWindow() == window_->windowHandle())
             QApplication::setActiveWindow(window_);
-        else
-            window_->activateWindow();
         QWidget* target = focus;
         if (!target) {
             if (auto* main = qobject_cast<QMainWindow*>(window_))
