@@ -82,7 +82,7 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
                 break;
             }
     });
-    status_ = new StatusFields(statusBar(), text_);
+    status_ = new StatusFields(statusBar(), *edit_);
     modifiedLabel_ = new QLabel(tr("Modified"), this);
     modifiedLabel_->setObjectName(QStringLiteral("lblModified"));
     modifiedLabel_->setVisible(false);

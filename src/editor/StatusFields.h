@@ -7,23 +7,24 @@
 #include <QObject>
 
 class QLabel;
-class QPlainTextEdit;
 class QStatusBar;
 
 namespace ed {
 
+class PlainTextEditControl;
+
 class StatusFields : public QObject {
 public:
-    // Adds the fields to `bar` (after its permanent widgets so far); the caret fields follow
-    // `text`.
-    StatusFields(QStatusBar* bar, QPlainTextEdit* text);
+    // Adds the fields to `bar` (after its permanent widgets so far); the caret fields follow the
+    // widget of `edit`.
+    StatusFields(QStatusBar* bar, PlainTextEditControl& edit);
     // The format Save writes: an RTF document has no encoding or line-break style of its own.
     void showFormat(const TextFormat& format, bool rtf);
 
 private:
     void showCaret();
 
-    QPlainTextEdit* text_;
+    PlainTextEditControl& edit_;
     QLabel* position_;
     QLabel* selection_;
     QLabel* encoding_;

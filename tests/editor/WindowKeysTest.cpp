@@ -242,11 +242,13 @@ TEST_F(WindowKeysTest, StatusBarShowsCaretSelectionAndFormat) {
         EXPECT_EQ(field("lblEncoding"), c.encoding);
         EXPECT_EQ(field("lblLineBreak"), c.lineBreak);
         EXPECT_EQ(field("lblPosition"), "Ln 1, Col 1");
-        QTextCursor cursor = window_->textWidget()->textCursor();
-        cursor.setPosition(4); // after "c"
-        cursor.setPosition(1, QTextCursor::KeepAnchor);
-        window_->textWidget()->setTextCursor(cursor);
-        EXPECT_EQ(field("lblPosition"), "Ln 1, Col 2");
+        EditControl& edit = window_->editControl();
+        edit.setSelStart(6); // after "d"; the model counts each break as two
+        EXPECT_EQ(field("lblPosition"), "Ln 2, Col 3");
+        EXPECT_EQ(field("lblSelection"), "Sel 0");
+        edit.setSelStart(1);
+        edit.setSelLength(4); // "b", the break, "c"
+        EXPECT_EQ(field("lblPosition"), "Ln 2, Col 2");
         EXPECT_EQ(field("lblSelection"), "Sel 3");
     }
     // A message shows beside the fields, which stay.
