@@ -8,10 +8,12 @@
 #include "editor/FormLoad.h"
 #include "editor/HistoryCommands.h"
 #include "editor/LinkMenu.h"
+#include "editor/MenuKeys.h"
 #include "editor/MenuTable.h"
 #include "editor/PlainTextEditControl.h"
 #include "editor/Recovery.h"
 #include "editor/SearchCommands.h"
+#include "editor/StatusFields.h"
 #include "editor/UndoHistory.h"
 #include "web/BrowserPort.h"
 #include "web/SiteList.h"
@@ -68,6 +70,19 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     text_->installEventFilter(this);
     makeContext(dialogs_, &fileDialogs_);
     buildMenus();
+    // F10 opens the menu bar, as on other desktops.
+    auto* menuKey = new QAction(this);
+    menuKey->setObjectName(QStringLiteral("actMenuBar"));
+    menuKey->setShortcut(QKeySequence(Qt::Key_F10));
+    addAction(menuKey);
+    connect(menuKey, &QAction::triggered, this, [this] {
+        for (QAction* a : menuBar()->actions())
+            if (a->isVisible()) {
+                menuBar()->setActiveAction(a);
+                break;
+            }
+    });
+    status_ = new StatusFields(statusBar(), *edit_);
     modifiedLabel_ = new QLabel(tr("Modified"), this);
     modifiedLabel_->setObjectName(QStringLiteral("lblModified"));
     modifiedLabel_->setVisible(false);
@@ -144,6 +159,7 @@ void EditorWindow::offerRecovery() {
         writeRecovery();
         recovery_->flush();
         RecoveryStore::discard(doc.file);
+        updateFormat();
         showStatus(tr("Recovered the unsaved changes of %1").arg(doc.path));
         return; // one at a time: the others are offered at the next start
     }
@@ -174,6 +190,7 @@ void EditorWindow::checkFileOnDisk() {
     if (reload) {
         if (LoadNewFile(*ctx_, path))
             restartHistory();
+        updateFormat();
         showStatus(tr("Reloaded %1: another program changed it").arg(path));
     } else {
         keptDespite_ = now;
@@ -214,10 +231,12 @@ void EditorWindow::setFileDialogs(FileDialogs* dialogs) {
 }
 
 bool EditorWindow::eventFilter(QObject* watched, QEvent* event) {
-    // The text widget would take Ctrl+Z and Ctrl+Y for itself; they belong to Edit > Undo/Redo.
+    // The text widget would take some of the menu's keys for itself (Ctrl+Z and Ctrl+Y as its own
+    // undo, Ctrl+X as Cut): every key a menu item declares runs that item (Undo, Redo, Close).
     if (watched == text_ && event->type() == QEvent::ShortcutOverride) {
         auto* key = static_cast<QKeyEvent*>(event);
-        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo) ||
+            menuKeys_.contains(QKeySequence(key->keyCombination()))) {
             event->ignore();
             return true;
         }
@@ -236,9 +255,10 @@ void EditorWindow::commitTyping() {
 
 void EditorWindow::buildMenus() {
     QHash<QString, QMenu*> menus;
+    const QHash<QString, QString> texts = menuTexts();
     for (const MenuItemDecl& d : menuItems()) {
         const QString name = QString::fromLatin1(d.name);
-        const QString caption = QString::fromUtf8(d.caption);
+        const QString caption = texts.value(name, QString::fromUtf8(d.caption));
         QMenu* parent = d.parent ? menus.value(QString::fromLatin1(d.parent)) : nullptr;
         if (d.flags & kMenu) {
             QMenu* m = parent ? parent->addMenu(caption) : menuBar()->addMenu(caption);
@@ -273,8 +293,12 @@ void EditorWindow::buildMenus() {
         }
         QAction* a = parent->addAction(caption);
         a->setObjectName(name);
-        if (*d.shortcut)
-            a->setShortcut(QKeySequence(QString::fromLatin1(d.shortcut)));
+        QList<QKeySequence> keys;
+        if (*d.shortcut) {
+            keys << QKeySequence(QString::fromLatin1(d.shortcut));
+            menuKeys_ << keys.first();
+        }
+        a->setShortcuts(keys + standardKeys(name));
         a->setCheckable(d.flags & kCheckable);
         a->setVisible(!(d.flags & kHidden));
         a->setEnabled(!(d.flags & kDisabled));
@@ -324,6 +348,11 @@ void EditorWindow::runItem(const QString& name) {
         history_->record(committed_, now);
     committed_ = now;
     updateHistoryItems(*ctx_);
+    updateFormat();
+}
+
+void EditorWindow::updateFormat() {
+    status_->showFormat(files_->format(), documentExtension(form_.caption) == u"rtf");
 }
 
 void EditorWindow::trigger(const QString& item) {
@@ -354,6 +383,7 @@ void EditorWindow::refreshLinks() {
             // A recent file that was not opened (Cancel, a missing file) keeps the history.
             if (form_.caption != before || wasModified != modified_)
                 restartHistory();
+            updateFormat();
         });
         fileMenu_->insertAction(linkAnchor_, a);
         linkActions_ << a;
@@ -363,6 +393,7 @@ void EditorWindow::refreshLinks() {
 void EditorWindow::load() {
     Form_Load(*ctx_, startUp_.CommandLine);
     restartHistory();
+    updateFormat();
     offerRecovery();
 }
 

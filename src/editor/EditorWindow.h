@@ -11,8 +11,10 @@
 #include "editor/WindowAdapters.h"
 #include "util/Utility.h"
 
+#include <QKeySequence>
 #include <QMainWindow>
 #include <QPointer>
+#include <QSet>
 
 #include <memory>
 
@@ -31,6 +33,7 @@ class BusyWork;
 class BrowserPort;
 class SiteListState;
 class RecoveryStore;
+class StatusFields;
 
 class EditorWindow : public QMainWindow, public FormWindow {
     Q_OBJECT
@@ -87,6 +90,8 @@ private:
     void offerRecovery();
     // After the document was replaced: a fresh history.
     void restartHistory();
+    // The status bar's encoding and line-break fields follow the document's format.
+    void updateFormat();
 
     StartUpState& startUp_;
     QPlainTextEdit* text_ = nullptr;
@@ -113,11 +118,13 @@ private:
     int running_ = 0;
     QMenu* fileMenu_ = nullptr;
     QList<QAction*> linkActions_;
+    QSet<QKeySequence> menuKeys_; // the keys the menu table gives its items
     QAction* linkAnchor_ = nullptr;
     QPointer<QWidget> about_;
     std::unique_ptr<RecoveryStore> recovery_;
     QTimer* recoveryTimer_ = nullptr;
     QLabel* modifiedLabel_ = nullptr;
+    StatusFields* status_ = nullptr;
     bool modified_ = false;
     qint64 pendingSinceMs_ = -1; // when the oldest change not in the recovery copy was made
     bool checkingDisk_ = false;

@@ -9,14 +9,27 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 namespace ed {
 
+QString newDocumentFolder(const QString& programFolder, const FolderCheck& writable,
+                          const QString& documentsFolder, const QString& homeFolder) {
+    if (writable(programFolder))
+        return programFolder;
+    if (!documentsFolder.isEmpty() && writable(documentsFolder))
+        return documentsFolder;
+    return homeFolder;
+}
+
 QString newDocumentFolder(const QString& programFolder) {
-    const QFileInfo folder(programFolder);
-    if (folder.exists() && !folder.isWritable())
-        return QDir::homePath();
-    return programFolder;
+    return newDocumentFolder(
+        programFolder,
+        [](const QString& folder) {
+            const QFileInfo info(folder);
+            return info.isDir() && info.isWritable();
+        },
+        QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), QDir::homePath());
 }
 
 void Form_Load(CommandContext& ctx, QString commandLine) {

@@ -1,8 +1,11 @@
 #include "editor/WindowAdapters.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QGuiApplication>
+#include <QMainWindow>
+#include <QPointer>
 #include <QScreen>
 #include <QWidget>
 
@@ -110,14 +113,27 @@ void WidgetGeometry::maximize() { window_->showMaximized(); }
 
 void WidgetGeometry::setTopmost(bool topmost, int x, int y, int cx, int cy) {
     const bool visible = window_->isVisible();
+    const QPointer<QWidget> focus = window_->focusWidget();
     window_->setWindowFlag(Qt::WindowStaysOnTopHint, topmost);
     window_->resize(cx, cy);
     window_->move(x, y);
-    // Changing the flags hides the window; show it again without taking the focus.
+    // Changing the flags hides the window (on this platform it is made anew): show it again,
+    // active, with the keyboard focus where it was, in the document unless it was elsewhere.
     if (visible) {
-        window_->setAttribute(Qt::WA_ShowWithoutActivating, true);
         window_->show();
-        window_->setAttribute(Qt::WA_ShowWithoutActivating, false);
+        window_->activateWindow();
+        // Where the platform's window kept the focus, no activation follows that would make the
+        // widgets active again: do it here.
+        if (QGuiApplication::focusWindow() &&
+            QGuiApplication::focusWindow() == window_->windowHandle())
+            QApplication::setActiveWindow(window_);
+        QWidget* target = focus;
+        if (!target) {
+            if (auto* main = qobject_cast<QMainWindow*>(window_))
+                target = main->centralWidget();
+        }
+        if (target)
+            target->setFocus(Qt::ActiveWindowFocusReason);
     }
 }
 

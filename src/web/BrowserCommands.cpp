@@ -45,6 +45,12 @@ std::unique_ptr<web::cIEObject> openSession(CommandContext& ctx) {
     throw RuntimeError(message.toStdString());
 }
 
+// The desktop commands say in the status bar why nothing opened; the trap logs it.
+[[noreturn]] void failAndSay(CommandContext& ctx, const QString& message) {
+    ctx.window.showStatus(message);
+    fail(message);
+}
+
 } // namespace
 
 void mnuGetBrowserHtml_Click(CommandContext& ctx) {
@@ -104,21 +110,23 @@ void mnuNavigateToSel_Click(CommandContext& ctx) {
 void mnuExplorer_Click(CommandContext& ctx) {
     const QString folder = ctx.form.LastDir;
     if (folder.isEmpty())
-        fail(QStringLiteral("The document has no folder to open yet."));
+        failAndSay(ctx, QStringLiteral("The document has no folder to open yet."));
     if (!QFileInfo(folder).isDir())
-        fail(QStringLiteral("The folder \"%1\" does not exist.").arg(folder));
+        failAndSay(ctx, QStringLiteral("The folder \"%1\" does not exist.").arg(folder));
     if (!ctx.launcher.explore(folder))
-        fail(QStringLiteral("No file manager could be opened on \"%1\".").arg(folder));
+        failAndSay(ctx, QStringLiteral("No file manager could be opened on \"%1\".").arg(folder));
 }
 
 void mnuLoadinwebbrowser_Click(CommandContext& ctx) {
     const QString file = ctx.form.FileName;
     if (file.isEmpty())
-        fail(QStringLiteral("The document has no file name yet."));
+        failAndSay(ctx, QStringLiteral("The document has no file name yet."));
     if (!QFileInfo(file).isFile())
-        fail(QStringLiteral("The file \"%1\" does not exist; save the document first.").arg(file));
+        failAndSay(
+            ctx,
+            QStringLiteral("The file \"%1\" does not exist; save the document first.").arg(file));
     if (!ctx.launcher.open(file))
-        fail(QStringLiteral("No program could be opened on \"%1\".").arg(file));
+        failAndSay(ctx, QStringLiteral("No program could be opened on \"%1\".").arg(file));
 }
 
 } // namespace ed

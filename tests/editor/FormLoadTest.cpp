@@ -3,30 +3,42 @@
 #include "editor/FormLoad.h"
 #include "support/Fakes.h"
 
-#include <QDir>
-#include <QFile>
+#include <QSet>
 
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 using namespace ed;
 using namespace ed::test;
 
-TEST(FormLoad, NewDocumentGoesHomeWhenTheProgramFolderIsReadOnly) {
-    if (geteuid() == 0)
-        GTEST_SKIP() << "every folder is writable for root";
-    const QString folder = makeTempDir() + "/bin";
-    ASSERT_TRUE(QDir().mkpath(folder));
-    QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner);
-    Harness h;
-    h.startUp.programFolder = folder;
-    Form_Load(h.ctx, QString());
-    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    EXPECT_EQ(h.form.FileName, QDir::homePath() + "/Text-0.Txt");
+TEST(FormLoad, NewDocumentGoesWhereTheUserCanWrite) {
+    const struct {
+        const char* name;
+        QString program;
+        QSet<QString> writable;
+        QString documents;
+        QString chosen;
+    } cases[] = {
+        {"a copy in a folder of the user's",
+         "/opt/ed",
+         {"/opt/ed", "/home/u/Documents"},
+         "/home/u/Documents",
+         "/opt/ed"},
+        {"installed in /usr/bin",
+         "/usr/bin",
+         {"/home/u/Documents"},
+         "/home/u/Documents",
+         "/home/u/Documents"},
+        {"no documents folder", "/usr/bin", {}, "/home/u/Documents", "/home/u"},
+        {"none known", "/usr/bin", {}, "", "/home/u"},
+    };
+    for (const auto& c : cases) {
+        const auto writable = [&](const QString& folder) { return c.writable.contains(folder); };
+        EXPECT_EQ(newDocumentFolder(c.program, writable, c.documents, "/home/u"), c.chosen)
+            << c.name;
+    }
 }
 
-TEST(FormLoad, NewDocumentGoesToAWritableProgramFolder) {
+TEST(FormLoad, NewDocumentIsNamedInTheProgramFolder) {
     const QString folder = makeTempDir();
     Harness h;
     h.startUp.programFolder = folder;

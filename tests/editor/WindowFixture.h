@@ -5,6 +5,7 @@
 #include "editor/EditorWindow.h"
 #include "support/Fakes.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@ class WindowFixture : public ::testing::Test {
 protected:
     // Starts the window with `commandLine` as the program's command line.
     void open(const QString& commandLine = QString()) {
+        QDir().mkpath(dir_.path() + "/bin");
         runStartUp(startUp_, dir_.path() + "/bin/Editor", {});
         startUp_.CommandLine = commandLine;
         window_ = std::make_unique<EditorWindow>(startUp_);

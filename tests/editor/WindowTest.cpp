@@ -1,11 +1,11 @@
 // The window assembled for real on the offscreen platform, over real temporary files.
 
+#include "WindowFixture.h"
 #include "editor/BusyWork.h"
 #include "editor/EditorWindow.h"
 #include "editor/LinkMenu.h"
 #include "editor/PlainTextEditControl.h"
 #include "editor/WindowAdapters.h"
-#include "WindowFixture.h"
 #include "support/Fakes.h"
 
 #include <QDir>
@@ -49,7 +49,6 @@ protected:
                 pressCancel();
         };
     }
-
 };
 
 TEST_F(WindowTest, MenuBarFollowsTheTable) {
@@ -58,7 +57,8 @@ TEST_F(WindowTest, MenuBarFollowsTheTable) {
     for (QAction* a : window_->menuBar()->actions())
         if (a->isVisible())
             titles << a->text();
-    EXPECT_EQ(titles, QStringList({"File", "Edit", "Search", "View", "Web", "Tools", "Help"}));
+    EXPECT_EQ(titles,
+              QStringList({"&File", "&Edit", "&Search", "&View", "&Web", "&Tools", "&Help"}));
     EXPECT_FALSE(enabled("mnuFindNext"));
     EXPECT_TRUE(window_->menuState().isChecked("mnuKeepOnTop")); // toggled on at every start
     EXPECT_TRUE(window_->windowFlags() & Qt::WindowStaysOnTopHint);

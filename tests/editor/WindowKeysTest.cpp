@@ -1,0 +1,261 @@
+// The window by keyboard and what its status bar shows: mnemonics and F10 open the menus, the
+// menu's keys reach their items even while the text has the focus, Keep On Top leaves the focus in
+// the document. Offscreen, with real key events.
+
+#include "WindowFixture.h"
+#include "editor/EditorWindow.h"
+#include "editor/MenuKeys.h"
+#include "editor/MenuTable.h"
+#include "editor/PlainTextEditControl.h"
+#include "support/Fakes.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QStatusBar>
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+class WindowKeysTest : public WindowFixture {
+protected:
+    // The window as a person sees it: shown, active, the caret in the text.
+    void openActive(const QByteArray& bytes = "first line\r\n") {
+        writeFile(path("doc.txt"), bytes);
+        open(path("doc.txt"));
+        window_->show();
+        window_->activateWindow();
+        window_->textWidget()->setFocus();
+        waitFor([this] { return QApplication::activeWindow() == window_.get(); });
+    }
+    template <class F> static void waitFor(F done) {
+        QElapsedTimer t;
+        t.start();
+        while (!done() && t.elapsed() < 2000)
+            QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    // A key pressed and released where the keyboard focus is (the text, unless a test moved it).
+    void press(int key, Qt::KeyboardModifiers mods = Qt::NoModifier, const QString& text = {}) {
+        QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : window_.get();
+        QKeyEvent down(QEvent::KeyPress, key, mods, text);
+        QKeyEvent up(QEvent::KeyRelease, key, mods, text);
+        QApplication::sendEvent(target, &down);
+        QApplication::sendEvent(target, &up);
+    }
+    QString text() { return window_->editControl().text(); }
+    QString field(const char* name) {
+        auto* label = window_->findChild<QLabel*>(name);
+        return label && label->isVisibleTo(window_.get()) ? label->text() : QString("<hidden>");
+    }
+};
+
+// A menu text as it reads on the screen: "&" marks the mnemonic, "&&" is an "&".
+QString shown(const QString& text) {
+    QString out;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'&' && i + 1 < text.size())
+            ++i;
+        out += text[i];
+    }
+    return out;
+}
+
+// The mnemonic letter of a menu text, lower case; none gives a null character.
+QChar mnemonic(const QString& text) {
+    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] == u'&' && text[i + 1] != u'&')
+            return text[i + 1].toLower();
+        if (text[i] == u'&')
+            ++i;
+    }
+    return {};
+}
+
+TEST(MenuKeys, MnemonicsPreferTheStartOfAWordNotTakenYet) {
+    const struct {
+        QStringList captions, texts;
+    } cases[] = {
+        {{"Save", "Save As", "Save RTF"}, {"&Save", "Save &As", "Save &RTF"}},
+        {{"Cut", "Copy", "Paste"}, {"&Cut", "C&opy", "&Paste"}},
+        {{"Fax #s", "A & B", "-- ..."}, {"&Fax #s", "&A && B", "-- ..."}},
+        {{"ab", "ab", "ab", "ab"}, {"&ab", "a&b", "ab", "ab"}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(withMnemonics(c.captions), c.texts) << c.captions.join('|').toStdString();
+}
+
+// Every menu of the table: the captions read as declared, each visible item has a letter of its
+// own within its menu, and no key is given twice.
+TEST(MenuKeys, EveryMenuReadsAsDeclaredWithLettersOfItsOwn) {
+    const QHash<QString, QString> texts = menuTexts();
+    QHash<QString, QSet<QChar>> letters;
+    for (const MenuItemDecl& d : menuItems()) {
+        if (!isCommand(d) && !(d.flags & kMenu))
+            continue;
+        const QString name = QString::fromLatin1(d.name);
+        const QString text = texts.value(name);
+        EXPECT_EQ(shown(text), QString::fromUtf8(d.caption)) << d.name;
+        const QChar letter = mnemonic(text);
+        if (!(d.flags & kHidden)) {
+            EXPECT_FALSE(letter.isNull()) << d.name;
+        }
+        QSet<QChar>& taken = letters[QString::fromLatin1(d.parent ? d.parent : "")];
+        EXPECT_FALSE(!letter.isNull() && taken.contains(letter)) << d.name;
+        taken << letter;
+    }
+    QStringList bar;
+    for (const char* menu :
+         {"mnuFile", "mnuEdit", "mnuSearchMain", "mnuView", "mnuWeb", "mnuTools", "mnuHelp"})
+        bar << texts.value(menu);
+    EXPECT_EQ(bar, QStringList({"&File", "&Edit", "&Search", "&View", "&Web", "&Tools", "&Help"}));
+}
+
+// The standard keys never take a key of the table, and no key runs two items.
+TEST(MenuKeys, NoKeyIsGivenTwice) {
+    QMap<QKeySequence, QString> owner;
+    for (const MenuItemDecl& d : menuItems()) {
+        QList<QKeySequence> keys = standardKeys(d.name);
+        if (*d.shortcut)
+            keys << QKeySequence(QString::fromLatin1(d.shortcut));
+        for (const QKeySequence& k : keys) {
+            EXPECT_FALSE(owner.contains(k)) << k.toString().toStdString() << " " << d.name << " "
+                                            << owner.value(k).toStdString();
+            owner.insert(k, d.name);
+        }
+    }
+    EXPECT_EQ(owner.value(QKeySequence("Ctrl+Q")), "mnuExit");
+    EXPECT_EQ(owner.value(QKeySequence("Ctrl+X")), "mnuExit");
+}
+
+TEST_F(WindowKeysTest, CloseKeysCloseTheWindowAfterTheQuestion) {
+    const struct {
+        const char* name;
+        int key;
+        bool modified;
+        std::deque<Answer> answers;
+        bool asked, closed;
+    } cases[] = {
+        {"unmodified", Qt::Key_X, false, {}, false, true},
+        {"modified, Cancel", Qt::Key_X, true, {Answer::Cancel}, true, false},
+        {"modified, No", Qt::Key_X, true, {Answer::No}, true, true},
+        {"Ctrl+Q, unmodified", Qt::Key_Q, false, {}, false, true},
+        {"Ctrl+Q, modified, Cancel", Qt::Key_Q, true, {Answer::Cancel}, true, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        dialogs_.messages.clear();
+        openActive();
+        window_->editControl().setSelStart(0);
+        window_->editControl().setSelLength(5); // Cut would take "first"
+        if (c.modified)
+            window_->setModified(true);
+        dialogs_.buttonAnswers = c.answers;
+        press(c.key, Qt::ControlModifier);
+        EXPECT_EQ(!dialogs_.messages.empty(), c.asked);
+        EXPECT_EQ(!window_->isVisible(), c.closed);
+        EXPECT_EQ(text(), "first line\r\n"); // never cut
+    }
+}
+
+TEST_F(WindowKeysTest, KeepOnTopLeavesTheFocusInTheDocument) {
+    openActive();
+    for (bool onTop : {false, true}) {
+        window_->trigger("mnuKeepOnTop");
+        waitFor([this] { return QApplication::activeWindow() == window_.get(); });
+
+        EXPECT_EQ(bool(window_->windowFlags() & Qt::WindowStaysOnTopHint), onTop);
+        EXPECT_EQ(QApplication::activeWindow(), window_.get());
+        EXPECT_EQ(QApplication::focusWidget(), window_->textWidget());
+        press(Qt::Key_Z, Qt::NoModifier, "z");
+        EXPECT_TRUE(text().startsWith("z")) << text().toStdString();
+        window_->editControl().setText("first line\r\n");
+    }
+}
+
+TEST_F(WindowKeysTest, AltLetterAndF10OpenTheMenus) {
+    const struct {
+        int key;
+        Qt::KeyboardModifiers mods;
+        const char* menu;
+    } cases[] = {
+        {Qt::Key_F, Qt::AltModifier, "mnuFile"},
+        {Qt::Key_T, Qt::AltModifier, "mnuTools"},
+        {Qt::Key_F10, Qt::NoModifier, "mnuFile"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.menu);
+        openActive();
+        auto* menu = window_->findChild<QMenu*>(c.menu);
+        ASSERT_NE(menu, nullptr);
+        press(c.key, c.mods,
+              c.mods == Qt::AltModifier ? QKeySequence(c.key).toString().toLower() : QString());
+        waitFor([menu] { return menu->isVisible(); });
+        EXPECT_TRUE(menu->isVisible());
+        EXPECT_EQ(text(), "first line\r\n"); // nothing typed into the document
+        menu->hide();
+    }
+}
+
+TEST_F(WindowKeysTest, StatusBarShowsCaretSelectionAndFormat) {
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        QString encoding, lineBreak;
+    } cases[] = {
+        {"a.txt", "ab\r\ncd\r\n", "UTF-8", "CR LF"},
+        {"b.txt", "ab\ncd\n", "UTF-8", "LF"},
+        {"c.txt", "ab\rcd\r", "UTF-8", "CR"},
+        {"d.txt",
+         "ab\n\xE9"
+         "d\n",
+         "Latin-1", "LF"},
+        {"e.txt",
+         "\xEF\xBB\xBF"
+         "ab\r\ncd",
+         "UTF-8 with BOM", "CR LF"},
+        {"f.txt",
+         QByteArray("\xFF\xFE"
+                    "a\0b\0\n\0c\0d\0",
+                    12),
+         "UTF-16 LE", "LF"},
+        {"g.rtf", "{\\rtf1\\ansi ab\\par cd}", "RTF", "<hidden>"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeFile(path(c.name), c.bytes);
+        open(path(c.name));
+        window_->show();
+        EXPECT_EQ(field("lblEncoding"), c.encoding);
+        EXPECT_EQ(field("lblLineBreak"), c.lineBreak);
+        EXPECT_EQ(field("lblPosition"), "Ln 1, Col 1");
+        EditControl& edit = window_->editControl();
+        edit.setSelStart(6); // after "d"; the model counts each break as two
+        EXPECT_EQ(field("lblPosition"), "Ln 2, Col 3");
+        EXPECT_EQ(field("lblSelection"), "Sel 0");
+        edit.setSelStart(1);
+        edit.setSelLength(4); // "b", the break, "c"
+        EXPECT_EQ(field("lblPosition"), "Ln 2, Col 2");
+        EXPECT_EQ(field("lblSelection"), "Sel 3");
+    }
+    // A message shows beside the fields, which stay.
+    window_->showStatus("Reloaded");
+    EXPECT_EQ(window_->statusBar()->currentMessage(), "Reloaded");
+    EXPECT_EQ(field("lblSelection"), "Sel 3");
+    EXPECT_EQ(field("lblEncoding"), "RTF");
+    // Save As with the Text files filter writes text: the fields say what Save now writes.
+    files_.saveAnswers.push_back({path("g.txt"), 2});
+    window_->trigger("mnuSaveAs");
+    EXPECT_EQ(window_->windowTitle(), path("g.txt"));
+    EXPECT_EQ(field("lblEncoding"), "UTF-8");
+    EXPECT_NE(field("lblLineBreak"), "<hidden>");
+}
+
+} // namespace
