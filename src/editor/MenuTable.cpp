@@ -16,7 +16,9 @@
 #include "textcmds/PrefixSuffix.h"
 #include "textcmds/Whitespace.h"
 #include "web/BrowserCommands.h"
+#include "web/DownloadCommand.h"
 #include "web/SiteList.h"
+#include "web/WebMenuCommands.h"
 
 #include <QHash>
 
@@ -72,8 +74,9 @@ const std::vector<MenuItemDecl> kItems = {
     // Web
     {"mnuWeb", "Web", nullptr, "", M, nullptr, nullptr, nullptr},
     {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, mnuSendAsEmail_Click, nullptr, nullptr},
-    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", W, nullptr, nullptr, nullptr},
-    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", kNone, mnuNaviagetTo_Click, nullptr, nullptr},
+    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", kNone, mnuSearchGoogle_Click, nullptr,
+     nullptr},
     {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, mnuNavigateToSel_Click, nullptr,
      nullptr},
     {"mnusep27", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
@@ -86,9 +89,11 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, mnuNavigateSiteList_Click,
      nullptr, nullptr},
     {"mnusep24", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", kNone, mnuSaveWebPage_Click, nullptr,
+     nullptr},
     {"mnusep8", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", kNone, mnuDownloadFiles_Click, nullptr,
+     nullptr},
     {"mnusep23", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
     {"mnuLoad", "Load From IE", "mnuWeb", "", M, nullptr, nullptr, nullptr},
     {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, mnuGetBrowserText_Click,
@@ -212,9 +217,13 @@ const QHash<QString, const MenuItemDecl*>& index() {
 
 } // namespace
 
-const std::vector<MenuItemDecl>& menuItems() { return kItems; }
+const std::vector<MenuItemDecl>& menuItems() {
+    return kItems;
+}
 
-const MenuItemDecl* findMenuItem(const QString& name) { return index().value(name, nullptr); }
+const MenuItemDecl* findMenuItem(const QString& name) {
+    return index().value(name, nullptr);
+}
 
 QString batchName(const MenuItemDecl& item) {
     QString n = QString::fromLatin1(item.name);
