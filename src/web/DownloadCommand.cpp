@@ -1,6 +1,7 @@
 #include "web/DownloadCommand.h"
 
 #include "app/Trap.h"
+#include "web/Downloader.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -17,8 +18,8 @@ const QString kTitle = QStringLiteral("Download Files");
     throw RuntimeError(message.toStdString());
 }
 
-} // namespace
-
+// The addresses of `text`: each line, trimmed, that begins with "http://", "https://" or
+// "ftp://" (in any case). `skipped` counts the other lines that are not blank.
 QStringList downloadAddresses(const QString& text, int& skipped) {
     static const QRegularExpression lineBreak(QStringLiteral("\r\n|\n|\r"));
     static const QRegularExpression address(QStringLiteral("^(https?|ftp)://"),
@@ -34,6 +35,8 @@ QStringList downloadAddresses(const QString& text, int& skipped) {
     }
     return out;
 }
+
+} // namespace
 
 void mnuDownloadFiles_Click(CommandContext& ctx) {
     const QString text = ctx.edit.selLength() > 0 ? ctx.edit.selText() : ctx.edit.text();
@@ -62,7 +65,7 @@ void mnuDownloadFiles_Click(CommandContext& ctx) {
     const QString folder = QDir::toNativeSeparators(info.absoluteFilePath());
     ctx.settings.save(kSection, downloadDirKey(), folder);
 
-    web::Downloader downloader(info.absoluteFilePath(), downloadOptions());
+    web::Downloader downloader(info.absoluteFilePath());
     const std::vector<web::DownloadResult> results = downloader.run(urls, ctx.progress);
 
     int downloaded = 0;
@@ -79,7 +82,9 @@ void mnuDownloadFiles_Click(CommandContext& ctx) {
                                 .arg(folder);
     QString status = summary;
     if (skipped > 0)
-        status += QStringLiteral(" %1 other line(s) skipped.").arg(skipped);
+        status += QStringLiteral(" %1 other %2 skipped.")
+                      .arg(skipped)
+                      .arg(skipped == 1 ? QStringLiteral("line") : QStringLiteral("lines"));
     ctx.window.showStatus(status);
     QStringList lines{summary};
     lines += failures;

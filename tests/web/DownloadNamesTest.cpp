@@ -1,12 +1,9 @@
-// Names of downloaded files: what the server proposes, what the address gives, what survives
-// being made safe, and how a taken name becomes unique.
+// Names of downloaded files: what the server proposes, what the address gives, and what
+// survives being made safe.
 
 #include "support/Fakes.h"
 
-#include "web/DownloadCommand.h"
 #include "web/DownloadNames.h"
-
-#include <QSet>
 
 #include <gtest/gtest.h>
 
@@ -45,35 +42,6 @@ TEST(DownloadNames, TheNameComesFromTheResponseElseTheAddress) {
         SCOPED_TRACE(c.disposition.toStdString() + " " + c.url.toStdString());
         EXPECT_EQ(downloadFileName(c.disposition, QUrl(c.url)), c.name);
     }
-}
-
-TEST(DownloadNames, ATakenNameGetsTheFirstFreeNumber) {
-    struct Case {
-        QString name;
-        QStringList taken;
-        QString unique;
-    };
-    const Case cases[] = {
-        {"a.txt", {}, "a.txt"},
-        {"a.txt", {"a.txt"}, "a (1).txt"},
-        {"a.txt", {"a.txt", "a (1).txt", "a (2).txt"}, "a (3).txt"},
-        {"README", {"README"}, "README (1)"},
-        {"a.tar.gz", {"a.tar.gz"}, "a.tar (1).gz"},
-    };
-    for (const Case& c : cases) {
-        const QSet<QString> taken(c.taken.begin(), c.taken.end());
-        EXPECT_EQ(uniqueFileName(c.name, [&](const QString& n) { return taken.contains(n); }),
-                  c.unique);
-    }
-}
-
-TEST(DownloadNames, OnlyLinesWithADownloadProtocolAreAddresses) {
-    int skipped = -1;
-    const QStringList urls = downloadAddresses(
-        "  http://a/1 \r\nHTTPS://b/2\nftp://c/3\r\n\r\nfile:///etc/passwd\r\nwww.d.com\r\n   \r\n",
-        skipped);
-    EXPECT_EQ(urls, (QStringList{"http://a/1", "HTTPS://b/2", "ftp://c/3"}));
-    EXPECT_EQ(skipped, 2);
 }
 
 } // namespace

