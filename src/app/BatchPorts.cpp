@@ -57,6 +57,32 @@ QString ScriptedDialogs::inputBox(const QString& prompt, const QString& title,
     return answers_.takeFirst();
 }
 
+QString ScriptedDialogs::takeAnswer() {
+    return answers_.isEmpty() ? QString() : answers_.takeFirst();
+}
+
+FileDialogResult ScriptedFileDialogs::file(const QString& kind, const FileDialogRequest& request) {
+    report_(QStringLiteral("%1: %2 | %3")
+                .arg(kind, escapeReport(request.title), escapeReport(request.fileName)));
+    FileDialogResult result;
+    result.fileName = answers_.takeAnswer();
+    result.filterIndex = request.filterIndex > 0 ? request.filterIndex : 1;
+    return result;
+}
+
+FileDialogResult ScriptedFileDialogs::showOpen(const FileDialogRequest& request) {
+    return file(QStringLiteral("open"), request);
+}
+
+FileDialogResult ScriptedFileDialogs::showSave(const FileDialogRequest& request) {
+    return file(QStringLiteral("save"), request);
+}
+
+QString ScriptedFileDialogs::showFolder(const QString& title, const QString& initialDir) {
+    report_(QStringLiteral("folder: %1 | %2").arg(escapeReport(title), escapeReport(initialDir)));
+    return answers_.takeAnswer();
+}
+
 Answer ScriptedDialogs::messageBox(const QString& text, const QString& title, Buttons buttons,
                                    Icon) {
     report_(QStringLiteral("message: %1 | %2").arg(escapeReport(text), escapeReport(title)));

@@ -23,11 +23,30 @@ public:
                       Icon icon) override;
     // Set when an answer to a question box was not yes, no or cancel.
     QString error() const { return error_; }
+    // The next answer of the command line, or "" (cancelled) when none is left.
+    QString takeAnswer();
 
 private:
     ReportFn report_;
     QStringList answers_;
     QString error_;
+};
+
+// File and folder dialogs of the batch runner: each takes the next --answer as the file or
+// folder chosen (none left: cancelled). The font dialog keeps the font.
+class ScriptedFileDialogs : public FileDialogs {
+public:
+    ScriptedFileDialogs(ScriptedDialogs& answers, ReportFn report)
+        : answers_(answers), report_(std::move(report)) {}
+    FileDialogResult showOpen(const FileDialogRequest& request) override;
+    FileDialogResult showSave(const FileDialogRequest& request) override;
+    FontSpec showFont(const FontSpec& current) override { return current; }
+    QString showFolder(const QString& title, const QString& initialDir) override;
+
+private:
+    FileDialogResult file(const QString& kind, const FileDialogRequest& request);
+    ScriptedDialogs& answers_;
+    ReportFn report_;
 };
 
 class MemoryClipboard : public Clipboard {

@@ -209,6 +209,7 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
                                   const QString& detail) { errors.add(module, location, detail); };
     SettingsStore store(&logger);
     ScriptedDialogs dialogs(report);
+    ScriptedFileDialogs fileDialogs(dialogs, report);
     MemoryClipboard clipboard;
     DeclaredMenuState menu;
     Utility util(logger);
@@ -222,6 +223,7 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
 
     CommandContext ctx(edit, dialogs, clipboard, AppSettings(store, startUp.RegKeyAppName), logger,
                        clock, launcher, menu, util, form, window, startUp);
+    ctx.fileDialogs = &fileDialogs;
     ctx.run = [&](const QString& item) {
         if (const MenuItemDecl* d = findMenuItem(item))
             runMenuItem(*d, ctx);
@@ -262,7 +264,7 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
         writeLine(err, QStringLiteral("Editor: ") + writeError);
         return 1;
     }
-    return errors.commandErrors ? 1 : 0;
+    return errors.commandErrors || ctx.commandFailed ? 1 : 0;
 }
 
 } // namespace

@@ -131,6 +131,11 @@ struct CommandContext {
     UndoHistory* history = nullptr;
     // The window's site-list walk (list, index and timer).
     SiteListState* siteList = nullptr;
+    // The window's progress dialog for long network work; none elsewhere.
+    Progress* progress = nullptr;
+    // Set by a command that told the user it could not do all of its work (files that did not
+    // download); the batch runner then ends with status 1.
+    bool commandFailed = false;
     // Runs another command of the registry by its item name (Save As runs Save, and so on).
     std::function<void(const QString& item)> run;
     // The quiet search of the command line (selects the first match, no message on a miss).

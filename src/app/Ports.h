@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace ed {
 
 // The document as the edit control holds it. Line breaks are always CR LF in this model and every
@@ -171,6 +173,18 @@ public:
     virtual void setEnabled(const QString& item, bool enabled) = 0;
     virtual bool isChecked(const QString& item) const = 0;
     virtual void setChecked(const QString& item, bool checked) = 0;
+};
+
+// A progress display with Cancel for work the user waits for: the window shows a dialog over
+// itself; elsewhere there is none and the work runs to its end.
+class Progress {
+public:
+    virtual ~Progress() = default;
+    // Shows the display; pressing its Cancel calls `cancel` (the work then stops on its own).
+    virtual void begin(const QString& title, std::function<void()> cancel) = 0;
+    // `done` of `total` steps, described by `text`.
+    virtual void update(const QString& text, int done, int total) = 0;
+    virtual void end() = 0;
 };
 
 } // namespace ed

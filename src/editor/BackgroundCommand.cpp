@@ -105,7 +105,11 @@ bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
                                                 "mnuGetBrowserLinksConditional",
                                                 "mnuNavigateToSel",
                                                 "mnuExplorer",
-                                                "mnuLoadinwebbrowser"};
+                                                "mnuLoadinwebbrowser",
+                                                "mnuNaviagetTo",
+                                                "mnuSearchGoogle",
+                                                "mnuSaveWebPage",
+                                                "mnuDownloadFiles"};
     return availableInBatch(item) && !kNeedsTheWindow.contains(QString::fromLatin1(item.name));
 }
 

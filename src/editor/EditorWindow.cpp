@@ -11,6 +11,7 @@
 #include "editor/MenuKeys.h"
 #include "editor/MenuTable.h"
 #include "editor/PlainTextEditControl.h"
+#include "editor/ProgressDialog.h"
 #include "editor/Recovery.h"
 #include "editor/SearchCommands.h"
 #include "editor/StatusFields.h"
@@ -67,6 +68,7 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
         AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_, &fileDialogs_);
     siteList_ = std::make_unique<SiteListState>(std::make_unique<QtSiteTimer>());
     siteList_->tmrSiteList->onTick([this] { tmrSiteList_Timer(*ctx_); });
+    progress_ = std::make_unique<ProgressDialog>(this);
     text_->installEventFilter(this);
     makeContext(dialogs_, &fileDialogs_);
     buildMenus();
@@ -209,6 +211,7 @@ void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
     ctx_->history = history_.get();
     ctx_->browser = browser_.get();
     ctx_->siteList = siteList_.get();
+    ctx_->progress = progress_.get();
     ctx_->run = [this](const QString& item) { trigger(item); };
     ctx_->replaceRangeCancellable = [this](int start, int length, const QString& text) {
         return edit_->replaceRangeCancellable(*busy_, QStringLiteral("Working on the document..."),

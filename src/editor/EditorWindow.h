@@ -34,6 +34,7 @@ class BrowserPort;
 class SiteListState;
 class RecoveryStore;
 class StatusFields;
+class ProgressDialog;
 
 class EditorWindow : public QMainWindow, public FormWindow {
     Q_OBJECT
@@ -70,6 +71,7 @@ public:
     BackgroundCommands& background() { return *background_; }
     BusyWork& busy() { return *busy_; }
     RecoveryStore& recovery() { return *recovery_; }
+    ProgressDialog& progress() { return *progress_; }
     // Writes the recovery copy now (the timer does it a moment after typing stops).
     void writeRecovery();
     // Reloads the document's file when another program changed it (asks when modified).
@@ -113,6 +115,7 @@ private:
     std::unique_ptr<BackgroundCommands> background_;
     std::unique_ptr<BrowserPort> browser_;
     std::unique_ptr<SiteListState> siteList_;
+    std::unique_ptr<ProgressDialog> progress_;
     std::unique_ptr<CommandContext> ctx_;
     QString committed_; // the text as the history last saw it
     int running_ = 0;

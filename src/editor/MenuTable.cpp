@@ -17,7 +17,9 @@
 #include "textcmds/Whitespace.h"
 #include "web/BrowserCommands.h"
 #include "web/HarvestCommands.h"
+#include "web/DownloadCommand.h"
 #include "web/SiteList.h"
+#include "web/WebMenuCommands.h"
 
 #include <QHash>
 
@@ -73,8 +75,9 @@ const std::vector<MenuItemDecl> kItems = {
     // Web
     {"mnuWeb", "Web", nullptr, "", M, nullptr, nullptr, nullptr},
     {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, mnuSendAsEmail_Click, nullptr, nullptr},
-    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", W, nullptr, nullptr, nullptr},
-    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", kNone, mnuNaviagetTo_Click, nullptr, nullptr},
+    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", kNone, mnuSearchGoogle_Click, nullptr,
+     nullptr},
     {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, mnuNavigateToSel_Click, nullptr,
      nullptr},
     {"mnusep27", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
@@ -87,9 +90,11 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, mnuNavigateSiteList_Click,
      nullptr, nullptr},
     {"mnusep24", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", kNone, mnuSaveWebPage_Click, nullptr,
+     nullptr},
     {"mnusep8", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", W, nullptr, nullptr, nullptr},
+    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", kNone, mnuDownloadFiles_Click, nullptr,
+     nullptr},
     {"mnusep23", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
     {"mnuLoad", "Load From IE", "mnuWeb", "", M, nullptr, nullptr, nullptr},
     {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, mnuGetBrowserText_Click,

@@ -83,11 +83,9 @@ void endWalk(CommandContext& ctx, SiteListState& s) {
     ctx.menu.setEnabled(kChangeTiming, false);
 }
 
-// Shows `address` in the active browser window, or starts the browser with it when none
-// answers. The line goes to the browser, never to the mail program, even when it holds "@";
-// a bare host name gets "http://" in front and a blank line shows an empty page. The tick does
-// not wait for the page.
-void visit(CommandContext& ctx, const QString& address) {
+} // namespace
+
+void showInBrowser(CommandContext& ctx, const QString& address) {
     if (!ctx.browser) {
         ctx.window.showStatus(
             QStringLiteral("no browser found: this window has no browser connection"));
@@ -106,7 +104,7 @@ void visit(CommandContext& ctx, const QString& address) {
                             "Chromium, Chrome or Edge program.")
                  .arg(noBrowserMessage(*ctx.browser)));
     // The address is one argument of its own after the switches that make the browser answer
-    // at the endpoint, so the next tick finds it there. It gets its protocol first, as it would
+    // at the endpoint, so the next command finds it there. It gets its protocol first, as it would
     // on the way through Navigate, so a line can never reach the browser as a switch.
     const QString target = web::browserAddress(address);
     if (!ctx.launcher.startDetached(program, ie->BrowserLaunchArguments(), {target}))
@@ -115,8 +113,6 @@ void visit(CommandContext& ctx, const QString& address) {
     ctx.window.showStatus(QStringLiteral("no browser answered at %1; started %2 with %3")
                               .arg(ctx.browser->endpointDescription(), program, target));
 }
-
-} // namespace
 
 void SiteTimer::setInterval(qint64 ms) {
     if (ms < 0 || ms > kLongestInterval)
@@ -178,7 +174,7 @@ void SiteListTick(CommandContext& ctx) {
         ctx.edit.setSelLength(qint32(address.size()) + 1);
     }
     // A blank line is visited too: the browser shows an empty page for it.
-    visit(ctx, address);
+    showInBrowser(ctx, address);
     ++s.mlSiteIndex;
     if (s.mlSiteIndex != upper)
         ctx.menu.setEnabled(kNextItem, true);

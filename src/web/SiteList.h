@@ -87,6 +87,12 @@ void mnuChangeTiming_Click(CommandContext& ctx);
 // that is visited the walk ends. Has no error trap of its own: its caller's catches a failure.
 void SiteListTick(CommandContext& ctx);
 
+// Shows `address` in the active browser window without waiting for the page, or starts the
+// browser with it as its first page when none answers. The address always goes to the browser
+// (never to the mail program) with its protocol ("http://" put in front of a bare host name,
+// about:blank for a blank one), so it can never reach the browser as a switch.
+void showInBrowser(CommandContext& ctx, const QString& address);
+
 // The timer event: the tick under the error trap "tmrSiteList_Timer". A tick that fails stops
 // the timer, so that a fault is not repeated at every interval; Next Item or Navigate Site List
 // go on from the same line.

@@ -101,6 +101,10 @@ public:
     QString StripHtml(const QString& text);
     QString CopySelection();
     void SaveWebPage();
+    // The page as a single-file web archive with its frames and resources (MHTML), or the top
+    // document's current HTML as UTF-8; without a trap of its own, so a failure reaches the
+    // caller.
+    QByteArray PageSnapshot(bool archive);
     QStringList Get_HtmlTag_Content(const QString& startTag, const QString& stopTag,
                                     const QString& html);
     // The e-mail addresses of the page and of every frame in it, whatever its site: those of

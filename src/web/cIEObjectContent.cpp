@@ -222,6 +222,12 @@ void cIEObject::SaveWebPage() {
     });
 }
 
+QByteArray cIEObject::PageSnapshot(bool archive) {
+    if (!initialized_)
+        fail(QStringLiteral("No browser window is attached to save."));
+    return page().savedPage(archive);
+}
+
 QStringList cIEObject::Get_HtmlTag_Content(const QString& startTag, const QString& stopTag,
                                            const QString& html) {
     return trappedValue(services_.log, kModule, QStringLiteral("Function Get_HtmlTag_Content"),

@@ -115,16 +115,25 @@ public:
     void close() override { ++closed; }
 };
 
-// Open and save dialogs answered from queues (empty queue = Cancel); font and folder dialogs
-// are cancelled.
+// Open, save and folder dialogs answered from queues (empty queue = Cancel); the font dialog is
+// cancelled.
 class FakeFileDialogs : public FileDialogs {
 public:
     std::deque<FileDialogResult> openAnswers, saveAnswers;
+    std::deque<QString> folderAnswers;
     std::vector<FileDialogRequest> requests;
+    std::vector<std::pair<QString, QString>> folderRequests; // title, initial folder
     FileDialogResult showOpen(const FileDialogRequest& r) override { return next(r, openAnswers); }
     FileDialogResult showSave(const FileDialogRequest& r) override { return next(r, saveAnswers); }
     FontSpec showFont(const FontSpec& f) override { return f; }
-    QString showFolder(const QString&, const QString&) override { return {}; }
+    QString showFolder(const QString& title, const QString& initialDir) override {
+        folderRequests.emplace_back(title, initialDir);
+        if (folderAnswers.empty())
+            return {};
+        QString a = folderAnswers.front();
+        folderAnswers.pop_front();
+        return a;
+    }
 
 private:
     FileDialogResult next(const FileDialogRequest& r, std::deque<FileDialogResult>& q) {

@@ -1,8 +1,9 @@
 // The browser session and the browser commands against a real headless Chromium, each way the
 // program talks to it once: loading and reading pages and their frames (same site, another site,
 // frameset, local files), a saved archive, window bounds, stop, new and closed windows, a browser
-// killed during a wait, the batch runner, the site-list walk on the window's own timer, and a
-// walk that starts its browser first. All suites named Chromium* run in one process, one after
+// killed during a wait, the batch runner, the site-list walk on the window's own timer, a walk
+// and a search that start their browser first, and the Web menu's Navigate to, Search Google and
+// Save web page. All suites named Chromium* run in one process, one after
 // another.
 
 #include "ChromiumProcess.h"
@@ -311,7 +312,7 @@ TEST_F(ChromiumSession, ClosingTheWindowIsReported) {
     ports_.log.errors.clear();
 }
 
-TEST_F(ChromiumSession, TheBatchRunnerReadsLinksAndFollowsTheSelection) {
+TEST_F(ChromiumSession, TheBatchRunnerReadsLinksSavesThePageAndFollowsTheSelection) {
     ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
     const QMap<QString, QString> settings{{"frmEdit/Browser Endpoint", endpoint()}};
     load(*ie_, url("/links.html"));
@@ -319,6 +320,11 @@ TEST_F(ChromiumSession, TheBatchRunnerReadsLinksAndFollowsTheSelection) {
         test::runEditorBatch({"--apply", "GetBrowserLinks"}, "", settings);
     EXPECT_EQ(links.exitCode, 0) << links.report.join('\n');
     EXPECT_EQ(links.out, "http://one.example/x\r\n\r\nhttp://files.example/a.pdf\r\n\r\n");
+    const QString saved = test::makeTempDir() + "/links.html";
+    const test::EditorRun save =
+        test::runEditorBatch({"--apply", "SaveWebPage", "--answer", saved}, "", settings);
+    EXPECT_EQ(save.exitCode, 0) << save.report.join('\n');
+    EXPECT_TRUE(test::readFile(saved).contains("<a href=\"http://one.example/x\">one</a>"));
 
     load(*ie_, url("/select.html"));
     const test::EditorRun go =
@@ -348,6 +354,67 @@ TEST_F(ChromiumSession, TheWindowWalksASiteListOnItsOwnTimer) {
     EXPECT_TRUE(waitUntil([&] { return !enabled("mnuPause"); }, 5000));
     EXPECT_FALSE(enabled("mnuNextItem") || enabled("mnuChangeTiming"));
     EXPECT_EQ(window.context().siteList->mlSiteIndex, 0);
+}
+
+TEST_F(ChromiumSession, TheWebMenuSendsTheBrowserAndSavesItsPage) {
+    server_->serve("/search.html", "<html><body>Results</body></html>");
+    test::Harness h;
+    h.setSetting("frmEdit", "Browser Endpoint", endpoint());
+    h.setSetting("frmEdit", "Web Search Url", url("/search.html?q=%s"));
+    DevToolsBrowserPort port(AppSettings(h.settings, h.startUp.RegKeyAppName), h.log, h.clipboard,
+                             h.launcher);
+    port.browserCandidates = {};
+    test::FakeFileDialogs files;
+    h.ctx.browser = &port;
+    h.ctx.fileDialogs = &files;
+
+    h.dialogs.answers = {url("/plain.html").mid(7)}; // without "http://"
+    h.run("mnuNaviagetTo");
+    EXPECT_TRUE(shows(browser_->endpoint(), url("/plain.html")));
+    h.dialogs.answers = {"café & co"};
+    h.run("mnuSearchGoogle");
+    EXPECT_TRUE(shows(browser_->endpoint(), url("/search.html?q=caf%C3%A9%20%26%20co")));
+    EXPECT_TRUE(h.launcher.started.empty() && h.launcher.opened.isEmpty());
+
+    // The page as an archive and as HTML, proposed under its title (a page without one: "page").
+    const QString dir = test::makeTempDir();
+    struct Case {
+        QString page;
+        FileDialogResult chosen;
+        QString proposed;
+        QByteArrayList contains;
+    };
+    const Case cases[] = {
+        {url("/plain.html"),
+         {dir + "/home.mhtml", 1},
+         "Home",
+         {"Snapshot-Content-Location: " + url("/plain.html").toUtf8(), "Plain page"}},
+        {url("/plain.html"),
+         {dir + "/home.html", 2},
+         "Home",
+         {"<html><head><title>Home</title></head><body><p>Plain page</p></body></html>"}},
+        {url("/1.html"), {dir + "/one", 2}, "page", {"<html><head></head><body>Page /1.html"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.chosen.fileName.toStdString());
+        load(*ie_, c.page);
+        files.requests.clear();
+        files.saveAnswers.push_back(c.chosen);
+        h.window.statuses.clear();
+        h.run("mnuSaveWebPage");
+        ASSERT_EQ(files.requests.size(), 1u);
+        EXPECT_EQ(files.requests[0].fileName, c.proposed);
+        const QString written =
+            c.chosen.fileName.endsWith("one") ? dir + "/one.html" : c.chosen.fileName;
+        const QByteArray saved = test::readFile(written);
+        for (const QByteArray& part : c.contains)
+            EXPECT_TRUE(saved.contains(part)) << saved.left(300).toStdString();
+        EXPECT_EQ(
+            h.window.statuses,
+            QStringList{QStringLiteral("Saved %1 (%2 bytes)").arg(written).arg(saved.size())});
+    }
+    for (const auto& e : h.log.errors)
+        ADD_FAILURE() << e.location << ": " << e.detail;
 }
 
 TEST(ChromiumKilled, KillingTheBrowserEndsTheWaitAndIsLogged) {
@@ -431,6 +498,28 @@ TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndNextItemUsesIt) {
     runMenuItem(*findMenuItem("mnuNextItem"), ctx);
     EXPECT_EQ(launcher.started.size(), 1u) << "the running browser is used";
     EXPECT_TRUE(shows(endpoint, server.url("/2.html")));
+    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
+}
+
+TEST(ChromiumWebMenuLaunch, SearchStartsABrowserWhenNoneAnswersAndNavigateToUsesIt) {
+    if (!QFileInfo(test::testChromiumPath()).isExecutable())
+        GTEST_SKIP() << "no Chromium";
+    test::TestHttpServer server;
+    server.serve("/find", "<html><body>Found</body></html>");
+    test::Harness h;
+    SiteWalk w(h, test::makeTempDir() + "/profile");
+    h.setSetting("frmEdit", "Web Search Url", server.url("/find?q=%s"));
+
+    h.dialogs.answers = {"two words"};
+    runMenuItem(*findMenuItem("mnuSearchGoogle"), w.ctx);
+    ASSERT_EQ(w.launcher.started.size(), 1u);
+    EXPECT_EQ(w.launcher.started[0].last(), server.url("/find?q=two%20words"));
+    EXPECT_TRUE(shows(w.endpoint, server.url("/find?q=two%20words")));
+
+    h.dialogs.answers = {server.url("/find?q=again")};
+    runMenuItem(*findMenuItem("mnuNaviagetTo"), w.ctx);
+    EXPECT_EQ(w.launcher.started.size(), 1u) << "the running browser is used";
+    EXPECT_TRUE(shows(w.endpoint, server.url("/find?q=again")));
     EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
 }
 

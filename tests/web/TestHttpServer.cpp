@@ -27,6 +27,30 @@ void TestHttpServer::serve(const QString& path, const QByteArray& body,
     answers_.insert(path, a);
 }
 
+int TestHttpServer::requests() const {
+    int n = 0;
+    for (const int count : requests_)
+        n += count;
+    return n;
+}
+
+namespace {
+QByteArray reasonPhrase(int status) {
+    switch (status) {
+    case 200:
+        return "OK";
+    case 301:
+        return "Moved Permanently";
+    case 302:
+        return "Found";
+    case 404:
+        return "Not Found";
+    default:
+        return "Error";
+    }
+}
+} // namespace
+
 void TestHttpServer::onConnection() {
     while (QTcpSocket* socket = server_.nextPendingConnection()) {
         socket->setParent(this);
@@ -53,12 +77,18 @@ void TestHttpServer::onConnection() {
             }
             if (a.never)
                 return;
-            const QByteArray reason = a.status == 200 ? "OK" : "Error";
-            QByteArray response = "HTTP/1.1 " + QByteArray::number(a.status) + ' ' + reason +
-                                  "\r\nContent-Type: " + a.contentType +
-                                  "\r\nContent-Length: " + QByteArray::number(a.body.size()) +
-                                  "\r\nConnection: close\r\n\r\n" + a.body;
-            socket->write(response);
+            QByteArray response =
+                "HTTP/1.1 " + QByteArray::number(a.status) + ' ' + reasonPhrase(a.status) +
+                "\r\nContent-Type: " + a.contentType + "\r\nContent-Length: " +
+                QByteArray::number(a.declaredLength >= 0 ? a.declaredLength : a.body.size());
+            for (const auto& [name, value] : a.headers)
+                response += "\r\n" + name + ": " + value;
+            response += "\r\nConnection: close\r\n\r\n";
+            if (a.stallAfter >= 0) {
+                socket->write(response + a.body.left(a.stallAfter));
+                return;
+            }
+            socket->write(response + a.body);
             socket->disconnectFromHost();
         });
     }

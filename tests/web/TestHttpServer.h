@@ -15,7 +15,12 @@ public:
         QByteArray body;
         QByteArray contentType = "text/html; charset=utf-8";
         int status = 200;
-        bool never = false; // hold the connection and never answer
+        bool never = false;                           // hold the connection and never answer
+        QList<QPair<QByteArray, QByteArray>> headers; // more header lines
+        // Send the header (with the whole body's length) and this many bytes of the body,
+        // then hold the connection; -1 sends everything.
+        qsizetype stallAfter = -1;
+        qint64 declaredLength = -1; // the Content-Length sent; -1: the body's
     };
 
     TestHttpServer();
@@ -30,6 +35,8 @@ public:
                const QByteArray& contentType = "text/html; charset=utf-8");
     void serve(const QString& path, Answer answer) { answers_.insert(path, answer); }
     int requestsFor(const QString& path) const { return requests_.value(path); }
+    // Every request so far, of any path.
+    int requests() const;
 
 private:
     void onConnection();

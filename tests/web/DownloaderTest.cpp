@@ -1,0 +1,378 @@
+// The downloader and Download Files against a loopback HTTP server: names from the response and
+// from the address, hostile names kept inside the folder, unique names, a redirect, refused and
+// stalled responses, an FTP server, a file larger than the disk allows, four files at a time,
+// Cancel (also in the window's progress dialog), and the batch runner. Only complete files may be
+// left behind.
+
+#include "TestHttpServer.h"
+#include "support/Fakes.h"
+
+#include "editor/EditorWindow.h"
+#include "editor/PlainTextEditControl.h"
+#include "editor/ProgressDialog.h"
+#include "web/Downloader.h"
+#include "web/WaitLoop.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTimer>
+
+#include <csignal>
+#include <sys/resource.h>
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::web;
+using Served = test::TestHttpServer::Answer;
+
+namespace {
+
+QStringList filesIn(const QString& folder) {
+    return QDir(folder).entryList(
+        QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System, QDir::Name);
+}
+
+Served file(const QByteArray& body, const QByteArray& disposition = {}) {
+    Served a;
+    a.body = body;
+    a.contentType = "application/octet-stream";
+    if (!disposition.isEmpty())
+        a.headers = {{"Content-Disposition", disposition}};
+    return a;
+}
+
+Served redirect(const QByteArray& to) {
+    Served a;
+    a.status = 302;
+    a.headers = {{"Location", to}};
+    return a;
+}
+
+Served stalled(const QByteArray& body, qsizetype sent, qint64 declared = -1) {
+    Served a = file(body);
+    a.stallAfter = sent;
+    a.declaredLength = declared;
+    return a;
+}
+
+// Calls `poll` every 20 ms while the downloads run; it gets the Cancel of the display.
+class PollingProgress : public Progress {
+public:
+    explicit PollingProgress(std::function<void(const std::function<void()>& cancel)> poll)
+        : poll_(std::move(poll)) {
+        QObject::connect(&timer_, &QTimer::timeout, [this] { poll_(cancel_); });
+    }
+    void begin(const QString& title, std::function<void()> cancel) override {
+        title_ = title;
+        cancel_ = std::move(cancel);
+        timer_.start(20);
+    }
+    void update(const QString& text, int, int) override { last = text; }
+    void end() override { timer_.stop(); }
+    QString last;
+
+private:
+    std::function<void(const std::function<void()>&)> poll_;
+    std::function<void()> cancel_;
+    QString title_;
+    QTimer timer_;
+};
+
+class Downloads : public ::testing::Test {
+protected:
+    void SetUp() override {
+        root = test::makeTempDir();
+        folder = root + "/into";
+        QDir().mkpath(folder);
+    }
+    QString address(const QString& path) const {
+        return path.contains(u':') ? path : server.url(path);
+    }
+    std::vector<DownloadResult> run(const QStringList& paths, Progress* progress = nullptr,
+                                    DownloadOptions options = {}) {
+        QStringList urls;
+        for (const QString& p : paths)
+            urls << address(p);
+        Downloader downloader(folder, options);
+        return downloader.run(urls, progress);
+    }
+
+    test::TestHttpServer server;
+    QString root, folder;
+};
+
+TEST_F(Downloads, EachFileGetsItsNameAndAFailedOneLeavesNothing) {
+    struct Case {
+        QString path;
+        std::optional<Served> served; // nothing: not served (404), or served elsewhere
+        QString name;                 // the file it becomes; "" when it fails
+        QString error;                // part of the reason it fails
+    };
+    server.serve("/files/target.bin", file("redirected"));
+    test::writeFile(folder + "/taken.txt", "old");
+    const Case cases[] = {
+        {"/files/plain.txt", file("plain"), "plain.txt", ""},
+        {"/cd", file("csv", "attachment; filename=\"report 2024.csv\""), "report 2024.csv", ""},
+        {"/up", file("up", "attachment; filename=\"../../escape.txt\""), "_.._escape.txt", ""},
+        {"/files/taken.txt", file("new"), "taken (1).txt", ""},
+        {"/go", redirect("/files/target.bin"), "target.bin", ""},
+        {"/loop", redirect("/loop"), "", "redirect"},
+        {"/missing", std::nullopt, "", "HTTP 404 Not Found"},
+        {"/slow", stalled(QByteArray(100, 'x'), 5), "", "no data came for 0.3 s"},
+        {"/huge", stalled("x", 0, 1'000'000'000'000'000), "", "the disk has room for"},
+        {"http://127.0.0.1:1/refused", std::nullopt, "", "refused"},
+    };
+    QStringList paths;
+    QStringList expected{"taken.txt"};
+    for (const Case& c : cases) {
+        if (c.served)
+            server.serve(c.path, *c.served);
+        paths << c.path;
+        if (!c.name.isEmpty())
+            expected << c.name;
+    }
+    DownloadOptions options;
+    options.stallTimeoutMs = 300;
+    const std::vector<DownloadResult> results = run(paths, nullptr, options);
+    ASSERT_EQ(results.size(), std::size(cases));
+    for (size_t i = 0; i < results.size(); ++i) {
+        const Case& c = cases[i];
+        SCOPED_TRACE(c.path.toStdString());
+        EXPECT_EQ(results[i].url, address(c.path));
+        EXPECT_EQ(results[i].fileName, c.name);
+        if (c.error.isEmpty()) {
+            EXPECT_EQ(results[i].error, "");
+            const QByteArray body = c.path == u"/go" ? "redirected" : c.served->body;
+            EXPECT_EQ(test::readFile(folder + "/" + c.name), body);
+            EXPECT_EQ(results[i].bytes, body.size());
+        } else {
+            EXPECT_TRUE(results[i].error.contains(c.error, Qt::CaseInsensitive))
+                << results[i].error.toStdString();
+        }
+    }
+    expected.sort();
+    EXPECT_EQ(filesIn(folder), expected);
+    EXPECT_EQ(filesIn(root), QStringList{"into"}) << "a name reached outside the folder";
+}
+
+TEST_F(Downloads, FtpAddressesAreFetchedToo) {
+    const QString served = test::makeTempDir();
+    test::writeFile(served + "/notes.txt", "ftp notes");
+    QProcess ftp;
+    ftp.start("/usr/bin/python3", {FTP_TEST_SERVER, served});
+    const int port = ftp.waitForReadyRead(10000) ? ftp.readLine().trimmed().toInt() : 0;
+    if (port == 0)
+        GTEST_SKIP() << "no FTP server: " << ftp.readAllStandardError().toStdString();
+    const QString base = QStringLiteral("ftp://127.0.0.1:%1/").arg(port);
+    const std::vector<DownloadResult> results = run({base + "notes.txt", base + "missing.txt"});
+    ftp.kill();
+    ftp.waitForFinished();
+    ASSERT_EQ(results.size(), 2u);
+    EXPECT_TRUE(results[0].ok()) << results[0].error.toStdString();
+    EXPECT_EQ(test::readFile(folder + "/notes.txt"), "ftp notes");
+    EXPECT_FALSE(results[1].ok());
+    EXPECT_EQ(filesIn(folder), QStringList{"notes.txt"});
+}
+
+TEST_F(Downloads, FourAtATimeAndCancelKeepsOnlyCompleteFiles) {
+    server.serve("/done.txt", file("done"));
+    QStringList paths{"/done.txt"};
+    for (int i = 1; i <= 5; ++i) {
+        paths << QStringLiteral("/hang%1").arg(i);
+        server.serve(paths.last(), stalled(QByteArray(1000, 'h'), 10));
+    }
+    auto parts = [&] { return filesIn(folder).filter(".part").size(); };
+    int mostParts = 0;
+    QElapsedTimer steady;
+    PollingProgress progress([&](const std::function<void()>& cancel) {
+        mostParts = std::max(mostParts, int(parts()));
+        // done.txt, then four hanging files; the fifth waits for a free place.
+        if (server.requests() < 5 || parts() < 4) {
+            steady.invalidate();
+            return;
+        }
+        if (!steady.isValid())
+            steady.start();
+        else if (steady.elapsed() > 300)
+            cancel();
+    });
+    QElapsedTimer clock;
+    clock.start();
+    const std::vector<DownloadResult> results = run(paths, &progress);
+    EXPECT_LT(clock.elapsed(), 15000);
+    EXPECT_EQ(mostParts, 4);
+    EXPECT_EQ(server.requestsFor("/hang5"), 0);
+    ASSERT_EQ(results.size(), 6u);
+    EXPECT_TRUE(results[0].ok());
+    for (size_t i = 1; i < results.size(); ++i)
+        EXPECT_EQ(results[i].error, "cancelled");
+    EXPECT_EQ(filesIn(folder), QStringList{"done.txt"});
+    EXPECT_TRUE(progress.last.startsWith("6 of 6 files")) << progress.last.toStdString();
+}
+
+TEST_F(Downloads, AFileLargerThanTheDiskAllowsFailsAlone) {
+    server.serve("/big.bin", file(QByteArray(3 << 20, 'b')));
+    server.serve("/small.txt", file("small"));
+    // The system refuses to write more than 1 MB to a file, as a full disk would.
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit limited = old;
+    limited.rlim_cur = 1 << 20;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+    const std::vector<DownloadResult> results = run({"/big.bin", "/small.txt"});
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    ASSERT_EQ(results.size(), 2u);
+    EXPECT_TRUE(results[0].error.startsWith("cannot write " + folder + "/big.bin.part"))
+        << results[0].error.toStdString();
+    EXPECT_TRUE(results[1].ok());
+    EXPECT_EQ(filesIn(folder), QStringList{"small.txt"});
+}
+
+TEST(DownloadFilesCommand, ListFolderAndSummary) {
+    test::TestHttpServer server;
+    server.serve("/a.txt", file("A"));
+    const QString dir = test::makeTempDir();
+    struct Case {
+        QString text;
+        int selStart, selLength;
+        QString remembered;            // "Download Dir" before
+        std::optional<QString> folder; // the folder answered; nothing: Cancel
+        QString initial;               // where the folder dialog starts
+        QString message;               // the box at the end
+        bool failed;
+    };
+    const QString a = server.url("/a.txt");
+    const QString gone = server.url("/gone");
+    const Case cases[] = {
+        // Addresses of the whole text, trimmed; other lines skipped; remembered folder first.
+        {"list\r\n  " + a + " \r\nFILE:///etc/passwd\r\n" + gone + "\r\n", 0, 0, "/remembered", dir,
+         "/remembered", "Downloaded 1 of 2 files to " + dir + ".\n" + gone + ": HTTP 404 Not Found",
+         true},
+        // The selection alone; the document's folder when none is remembered.
+        {gone + "\r\n" + a, int(gone.size()) + 2, int(a.size()), "", dir, "/doc/",
+         "Downloaded 1 of 1 files to " + dir + ".", false},
+        // Cancel in the folder dialog: nothing at all.
+        {a, 0, 0, "", std::nullopt, "/doc/", "", false},
+        // Nothing to download: said before any dialog.
+        {"no addresses\r\nhere", 0, 0, "", dir, "",
+         "There is nothing to download: no line of the document begins with http://, "
+         "https:// or ftp://.",
+         true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        test::Harness h(c.text);
+        test::FakeFileDialogs dialogs;
+        h.ctx.fileDialogs = &dialogs;
+        h.form.LastDir = "/doc/";
+        if (!c.remembered.isEmpty())
+            h.setSetting("frmEdit", "Download Dir", c.remembered);
+        if (c.folder)
+            dialogs.folderAnswers.push_back(*c.folder);
+        h.select(c.selStart, c.selLength);
+        h.run("mnuDownloadFiles");
+        EXPECT_EQ(h.edit.text(), c.text);
+        EXPECT_EQ(h.ctx.commandFailed, c.failed);
+        if (c.initial.isEmpty()) {
+            EXPECT_TRUE(dialogs.folderRequests.empty());
+        } else {
+            ASSERT_EQ(dialogs.folderRequests.size(), 1u);
+            EXPECT_EQ(dialogs.folderRequests[0].first, "Download Files to");
+            EXPECT_EQ(dialogs.folderRequests[0].second, c.initial);
+        }
+        if (c.message.isEmpty()) {
+            EXPECT_TRUE(h.dialogs.messages.empty());
+            continue;
+        }
+        ASSERT_EQ(h.dialogs.messages.size(), 1u);
+        EXPECT_EQ(h.dialogs.messages[0].text, c.message);
+        EXPECT_EQ(h.dialogs.messages[0].title, "Download Files");
+        EXPECT_EQ(h.dialogs.messages[0].icon, c.failed ? Icon::Exclamation : Icon::Information);
+        if (c.folder && c.message.startsWith("Downloaded")) {
+            EXPECT_EQ(h.setting("frmEdit", "Download Dir"), *c.folder);
+            const QString skipped = c.failed ? " 2 other lines skipped." : "";
+            EXPECT_EQ(h.window.statuses, QStringList{c.message.section(u'\n', 0, 0) + skipped});
+        }
+        EXPECT_TRUE(h.log.errors.empty());
+    }
+    EXPECT_EQ(filesIn(dir), (QStringList{"a (1).txt", "a.txt"}));
+}
+
+TEST(DownloadFilesBatch, TheFolderIsTheNextAnswerAndAFailureEndsWithStatusOne) {
+    ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
+    test::TestHttpServer server;
+    server.serve("/a.txt", file("A"));
+    server.serve("/cd", file("B", "attachment; filename=\"../b.csv\""));
+    const QString dir = test::makeTempDir();
+    const QByteArray document =
+        (server.url("/a.txt") + "\r\n" + server.url("/cd") + "\r\n" + server.url("/gone") + "\r\n")
+            .toUtf8();
+    struct Case {
+        QStringList args;
+        int exitCode;
+        QString reported; // a line of the report
+        QStringList files;
+    };
+    const Case cases[] = {
+        {{"--answer", dir, "--report"},
+         1,
+         "message: Downloaded 2 of 3 files to " + dir + ".\\n" + server.url("/gone") +
+             ": HTTP 404 Not Found | Download Files",
+         {"_b.csv", "a.txt"}},
+        {{"--answer", dir + "/none"}, 1, "The folder", {"_b.csv", "a.txt"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const test::EditorRun run =
+            test::runEditorBatch(QStringList{"--apply", "DownloadFiles"} + c.args, document);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.report.join('\n').toStdString();
+        EXPECT_EQ(run.out, document);
+        if (!c.reported.isEmpty()) {
+            EXPECT_TRUE(run.report.join('\n').contains(c.reported))
+                << run.report.join('\n').toStdString();
+        }
+        EXPECT_EQ(filesIn(dir), c.files);
+    }
+}
+
+TEST(DownloadFilesWindow, CancelInTheProgressDialogEndsTheDownloads) {
+    test::TestHttpServer server;
+    server.serve("/ok.txt", file("ok"));
+    server.serve("/hang", stalled(QByteArray(1000, 'h'), 10));
+    const QString dir = test::makeTempDir();
+    StartUpState startUp;
+    runStartUp(startUp, test::makeTempDir() + "/bin/Editor", {});
+    EditorWindow window(startUp);
+    test::FakeDialogs dialogs;
+    test::FakeFileDialogs fileDialogs;
+    fileDialogs.folderAnswers.push_back(dir);
+    window.setDialogs(&dialogs);
+    window.setFileDialogs(&fileDialogs);
+    window.load();
+    const QString text = server.url("/hang") + "\r\n" + server.url("/ok.txt") + "\r\n";
+    window.editControl().setText(text);
+    QTimer presser;
+    QObject::connect(&presser, &QTimer::timeout, [&] {
+        QProgressDialog* shown = window.progress().dialog();
+        if (shown && shown->isVisible() && QFileInfo::exists(dir + "/ok.txt") &&
+            QFileInfo::exists(dir + "/hang.part"))
+            shown->findChild<QPushButton*>()->click();
+    });
+    presser.start(20);
+    window.trigger("mnuDownloadFiles");
+    presser.stop();
+    EXPECT_EQ(filesIn(dir), QStringList{"ok.txt"});
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(dialogs.messages[0].text,
+              "Downloaded 1 of 2 files to " + dir + ".\n" + server.url("/hang") + ": cancelled");
+    EXPECT_EQ(dialogs.messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(window.editControl().text(), text);
+    EXPECT_EQ(window.progress().dialog(), nullptr);
+}
+
+} // namespace
