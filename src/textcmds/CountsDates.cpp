@@ -9,14 +9,9 @@ namespace {
 
 // Replaces the selection (or inserts at the caret) with `stamp`; the caret ends in front of it.
 void putAtSelection(CommandContext& ctx, const QString& stamp) {
-    const QString t = ctx.edit.text();
-    const qsizetype s = qBound(qsizetype(0), qsizetype(ctx.edit.selStart()), t.size());
-    const qsizetype l = qBound(qsizetype(0), qsizetype(ctx.edit.selLength()), t.size() - s);
-    QString out;
-    out.reserve(t.size() - l + stamp.size());
-    out.append(QStringView(t).left(s)).append(stamp).append(QStringView(t).mid(s + l));
-    ctx.edit.setText(out);
-    ctx.edit.setSelStart(int(s));
+    const int start = ctx.edit.selStart();
+    ctx.edit.replaceRange(start, ctx.edit.selLength(), stamp);
+    ctx.edit.setSelStart(start);
     ctx.edit.setSelLength(0);
 }
 
@@ -33,8 +28,8 @@ void mnuGetCharCount_Click(CommandContext& ctx) {
 void mnuShowLineCount_Click(CommandContext& ctx) {
     // Every piece between CR LFs counts, so a final CR LF adds an empty last line; an empty text
     // has no lines at all.
-    const QString text = ctx.edit.text();
-    const qsizetype lines = text.isEmpty() ? 0 : countLines(text);
+    const QByteArray text = ctx.edit.utf8();
+    const qsizetype lines = text.isEmpty() ? 0 : countModelLines(text);
     ctx.dialogs.messageBox(QStringLiteral("Line Count = %1").arg(lines), defaultTitle(),
                            Buttons::Ok, Icon::None);
 }

@@ -1,4 +1,3 @@
-#include "textcmds/Whitespace.h"
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -69,7 +68,7 @@ TEST(RemoveAllSpaces, PutsCaretAtSelectionStart) {
 }
 
 // The one-pass forms against the literal step-by-step replacements, on random texts made of the
-// characters that matter.
+// characters that matter, long enough for the sixteen-byte blocks.
 QString replaceUntilGone(QString s, const QString& from, const QString& to) {
     while (s.contains(from))
         s.replace(from, to);
@@ -84,18 +83,39 @@ QString joinStepByStep(QString s) {
     return s;
 }
 
+QString linesStepByStep(const QString& s, bool dropAllBlank) {
+    QString out;
+    bool previousBlank = false;
+    for (const QString& line : s.split(QStringLiteral("\r\n"))) {
+        const bool blank = QString(line).remove(u' ').isEmpty();
+        if (blank && (dropAllBlank || previousBlank))
+            continue;
+        previousBlank = blank;
+        out += line + QStringLiteral("\r\n");
+    }
+    return out;
+}
+
+QString run(const char* item, const QString& text) {
+    Harness h(text);
+    h.run(item);
+    return h.edit.text();
+}
+
 TEST(OnePassForms, MatchTheStepByStepReplacements) {
     std::mt19937 rng(7);
-    const char16_t alphabet[] = {u'a', u' ', u' ', u'\r', u'\n', u'^', u'\t'};
-    for (int round = 0; round < 3000; ++round) {
+    const QString pieces[] = {"a", " ", " ", " ", "\r", "\n", "\r\n", "^", "\t", "é", "😀"};
+    for (int round = 0; round < 2000; ++round) {
         QString s;
-        const int len = int(rng() % 24);
-        for (int i = 0; i < len; ++i)
-            s.append(QChar(alphabet[rng() % 7]));
+        for (int i = int(rng() % 60); i > 0; --i)
+            s += pieces[rng() % std::size(pieces)];
         SCOPED_TRACE(s.toStdString());
-        EXPECT_EQ(joinParagraphs(s), joinStepByStep(s));
-        EXPECT_EQ(collapseSpaces(s),
+        EXPECT_EQ(run("mnuRemoveCRLF", s), joinStepByStep(s));
+        EXPECT_EQ(run("mnuCnvDblSpcToSingle", s),
                   replaceUntilGone(s, QStringLiteral("  "), QStringLiteral(" ")));
+        EXPECT_EQ(run("mnuRemoveAllSpaces", s), QString(s).remove(u' '));
+        EXPECT_EQ(run("mnuTrimSpaces", s), linesStepByStep(s, true));
+        EXPECT_EQ(run("mnuReplaceDoubleBlankLineWithSingle", s), linesStepByStep(s, false));
     }
 }
 
