@@ -3,8 +3,8 @@
 #include "textcmds/Framework.h"
 #include "util/ByteWriter.h"
 
-#include <algorithm>
 #include <array>
+#include <cstring>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -152,72 +152,122 @@ QByteArray collapseSpaces(QByteArrayView text) {
 
 // Lines joined into paragraphs. Step by step: CR LF CR LF becomes "^" (left to right), every
 // other CR LF a space, every "^" CR LF CR LF, and then each pair of spaces, left to right in one
-// pass, one space. Done here in one scan: the first three rewrite disjoint patterns in scan
-// order, and the last shortens every run of k spaces of their result to (k + 1) / 2, i.e. keeps
-// the 1st, 3rd, 5th ... space of each run.
-QByteArray joinParagraphs(QByteArrayView text) {
-    const char* s = text.data();
-    const qsizetype n = text.size();
-    // The text grows only where "^" becomes four bytes; sixteen to spare for the block stores.
-    const qsizetype carets = std::count(s, s + n, '^');
-    ByteWriter out(n + 3 * carets + 16);
-    char* d = out.room(n + 3 * carets + 16);
-    unsigned run = 0; // 1 after an odd number of spaces of the unshortened result
+// pass, one space. Done here in one scan over tokens: a paragraph break (CR LF CR LF or "^"), a
+// line break (any other CR LF) or a space, and single bytes. The line breaks and spaces read as
+// spaces, and every run of k of them becomes (k + 1) / 2 spaces: the 1st, 3rd, 5th ... is kept.
+struct Joiner {
+    const char* s;
+    qsizetype n;
     qsizetype i = 0;
-    while (i < n) {
-#ifdef __SSE2__
-        // Blocks without a CR, a "^" or a space after a space are copied as they are. At the
-        // first such byte, the bytes before it are kept and it is handled below.
-        while (n - i >= 16) {
-            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
-            const __m128i space = _mm_cmpeq_epi8(v, _mm_set1_epi8(' '));
-            const __m128i afterSpace =
-                _mm_or_si128(_mm_slli_si128(space, 1), _mm_cvtsi32_si128(run ? 0xFF : 0));
-            const __m128i special =
-                _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\r')),
-                                          _mm_cmpeq_epi8(v, _mm_set1_epi8('^'))),
-                             _mm_and_si128(space, afterSpace));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(d), v);
-            const auto stop = unsigned(_mm_movemask_epi8(special));
-            const int k = stop ? __builtin_ctz(stop) : 16;
-            // Every space before the stop is a run of its own.
-            if (k > 0)
-                run = s[i + k - 1] == ' ';
-            d += k;
-            i += k;
-            if (k < 16)
-                break;
-        }
-        if (i >= n)
-            break;
-#endif
+    char* d;
+    unsigned run = 0; // 1 after an odd number of spaces and line breaks
+
+    // One token at `i`.
+    void step() {
         const char c = s[i];
-        if (c == ' ' || (c == '\r' && i + 1 < n && s[i + 1] == '\n' &&
-                         !(i + 3 < n && s[i + 2] == '\r' && s[i + 3] == '\n'))) {
-            // A space, or a line break inside a paragraph, which reads as one.
+        const bool crlf = c == '\r' && i + 1 < n && s[i + 1] == '\n';
+        const bool paragraph =
+            c == '^' || (crlf && i + 3 < n && s[i + 2] == '\r' && s[i + 3] == '\n');
+        if (paragraph) {
+            std::memcpy(d, "\r\n\r\n", 4);
+            d += 4;
+            i += c == '^' ? 1 : 4;
+            run = 0;
+        } else if (c == ' ' || crlf) {
             *d = ' ';
             d += 1 - run;
             run ^= 1;
-            i += c == ' ' ? 1 : 2;
-        } else if (c == '^' || c == '\r') {
-            const bool paragraph = c == '^' || (i + 1 < n && s[i + 1] == '\n');
-            if (paragraph) {
-                std::memcpy(d, "\r\n\r\n", 4);
-                d += 4;
-                i += c == '^' ? 1 : 4;
-            } else {
-                *d++ = c; // a lone CR
-                ++i;
-            }
-            run = 0;
+            i += crlf ? 2 : 1;
         } else {
             *d++ = c;
             run = 0;
             ++i;
         }
     }
-    out.advance(d);
+
+#ifdef ED_PACK_BLOCKS
+    // Blocks of sixteen bytes while each space or line break in them stands alone (it is then
+    // written as one space, the line feed of a line break dropped) and there is no paragraph
+    // break; stops before the first token that needs step().
+    __attribute__((target("ssse3"))) void blocks() {
+        const KeptBytes& kept = keptBytes();
+        auto bits = [](__m128i v, char c) {
+            return unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(c))));
+        };
+        while (n - i >= 19) {
+            const char* p = s + i;
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 1));
+            const __m128i crlfLanes = _mm_and_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\r')),
+                                                    _mm_cmpeq_epi8(next, _mm_set1_epi8('\n')));
+            const auto crlf = unsigned(_mm_movemask_epi8(crlfLanes)); // at the CR
+            const unsigned space = bits(v, ' ');
+            // A CR LF two bytes on: a paragraph break (or the rest of one).
+            const unsigned paragraph =
+                crlf & bits(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 2)), '\r') &
+                bits(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 3)), '\n');
+            const unsigned spaceLike = space | crlf;
+            const unsigned afterSpaceLike = (space << 1) | (crlf << 2) | run;
+            const unsigned stop = bits(v, '^') | paragraph | (spaceLike & afterSpaceLike);
+            // A line break across the end of the block is left for the next one.
+            const int whole = crlf >> 15 ? 15 : 16;
+            const int used = qMin(stop ? __builtin_ctz(stop) : 16, whole);
+            if (used == 0)
+                return;
+            const unsigned drop = ((crlf << 1) | ~((1u << used) - 1)) & 0xFFFF;
+            if (drop == 0) {
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(d), v);
+                d += 16;
+            } else {
+                const __m128i spaced = _mm_or_si128(_mm_andnot_si128(crlfLanes, v),
+                                                    _mm_and_si128(crlfLanes, _mm_set1_epi8(' ')));
+                d = packBlock(spaced, drop, d, kept);
+            }
+            i += used;
+            run = ((space >> (used - 1)) & 1) | (used >= 2 ? (crlf >> (used - 2)) & 1 : 0);
+            if (used < whole)
+                return;
+        }
+    }
+#endif
+};
+
+QByteArray joinParagraphs(QByteArrayView text) {
+    const char* s = text.data();
+    const qsizetype n = text.size();
+    // The text grows only where "^" becomes four bytes; sixteen to spare for the block stores.
+    qsizetype carets = 0;
+    for (const char* p = s; (p = static_cast<const char*>(std::memchr(p, '^', size_t(s + n - p))));
+         ++p)
+        ++carets;
+    const qsizetype room = n + 3 * carets + 16;
+    ByteWriter out(room);
+    Joiner j{s, n, 0, out.room(room)};
+#ifdef ED_PACK_BLOCKS
+    const bool blocks = canPack();
+#else
+    const bool blocks = false;
+#endif
+    while (j.i < n) {
+#ifdef ED_PACK_BLOCKS
+        if (blocks) {
+            j.blocks();
+            if (j.i >= n)
+                break;
+        }
+#endif
+        j.step();
+    }
+    out.advance(j.d);
     return std::move(out).finish();
+}
+
+// Whether a line is nothing but spaces; most lines show they are not at their first byte.
+inline bool blank(QByteArrayView line) {
+    for (const char c : line)
+        if (c != ' ')
+            return false;
+    return true;
 }
 
 // The lines for which keep(line) is true, each followed by CR LF; runs of kept lines are copied
@@ -279,17 +329,16 @@ void mnuReplaceDoubleBlankLineWithSingle_Click(CommandContext& ctx) {
     // The first blank line of each run stays as it is (spaces included); the others go.
     bool previousBlank = false;
     ctx.edit.setUtf8(keepLines(ctx.edit.utf8(), [&](QByteArrayView line) {
-        const bool blank = isBlank(line);
-        if (blank && previousBlank)
+        const bool isBlank = blank(line);
+        if (isBlank && previousBlank)
             return false;
-        previousBlank = blank;
+        previousBlank = isBlank;
         return true;
     }));
 }
 
 void mnuTrimSpaces_Click(CommandContext& ctx) {
-    ctx.edit.setUtf8(
-        keepLines(ctx.edit.utf8(), [](QByteArrayView line) { return !isBlank(line); }));
+    ctx.edit.setUtf8(keepLines(ctx.edit.utf8(), [](QByteArrayView line) { return !blank(line); }));
 }
 
 void mnuRemoveCRLF_Click(CommandContext& ctx) {

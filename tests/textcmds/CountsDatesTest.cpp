@@ -43,7 +43,10 @@ INSTANTIATE_TEST_SUITE_P(
         CountCase{"mnuShowLineCount", "a\r\nb", 1, 2, "Line Count = 2", Icon::None},
         CountCase{"mnuShowLineCount", "a\r\nb\r\n", 0, 0, "Line Count = 3", Icon::None},
         CountCase{"mnuShowLineCount", "", 0, 0, "Line Count = 0", Icon::None},
-        CountCase{"mnuShowLineCount", "a\nb\rc", 0, 0, "Line Count = 1", Icon::None}));
+        CountCase{"mnuShowLineCount", "a\nb\rc", 0, 0, "Line Count = 1", Icon::None},
+        // Breaks on both sides of a sixteen-byte boundary, and a CR before a CR LF.
+        CountCase{"mnuShowLineCount", "123456789012345\r\n789012345678901\r\r\n\n\r", 0, 0,
+                  "Line Count = 3", Icon::None}));
 
 struct StampCase {
     const char* item;
