@@ -47,14 +47,9 @@ INSTANTIATE_TEST_SUITE_P(
         // ... but not for proper case, which then converts the whole text.
         CaseCase{"mnuConvertToProperCase", "ab   cd", 2, 3, "Ab   Cd", -1},
         CaseCase{"mnuConvertToProperCase", "xx hELLO wORLD yy", 3, 11, "xx Hello World yy", 3},
-        CaseCase{"mnuConvertToProperCase", "a\tb\r\nc\u00a0d\u2003e\vf\ff", 0, 0,
-                 "A\tB\r\nC\u00a0D\u2003E\vF\fF", -1},
         // Punctuation is not a word boundary.
         CaseCase{"mnuConvertToProperCase", "o'NEIL jean-LUC (note) 1st", 0, 0,
                  "O'neil Jean-luc (note) 1st", -1},
-        CaseCase{"mnuConvertToProperCase", "éLAN çA ǆEMAL ÀB", 0, 0, "Élan Ça ǅemal Àb", -1},
-        // Letters outside the Basic Multilingual Plane change case; emoji stay as they are.
-        CaseCase{"mnuConvertToProperCase", "𐐨𐐀 𐐨 😀ABC", 0, 0, "𐐀𐐨 𐐀 😀abc", -1},
         CaseCase{"mnuCapitalizeEachWord", "the  quick fox", 0, 0, "The  Quick Fox ", -1},
         CaseCase{"mnuCapitalizeEachWord", "mcDONALD", 0, 0, "Mcdonald ", -1},
         CaseCase{"mnuCapitalizeEachWord", "one\r\ntWO", 0, 0, "One\r\nTwo ", -1},
@@ -65,7 +60,6 @@ INSTANTIATE_TEST_SUITE_P(
         CaseCase{"mnuConvertToCrippledText", "[a b]", 1, 3, "[a b]", 0},
         // The selected stretch loses its edge spaces; the caret is not put back.
         CaseCase{"mnuConvertToCrippledText", "x ab y", 1, 4, "xaBy", 0},
-        CaseCase{"mnuConvertToCrippledText", "AB\r\nCD", 0, 0, "aB\r\ncD", -1},
         // Positions count UTF-16 units: the emoji takes positions 2 and 3.
         CaseCase{"mnuConvertToCrippledText", "a😀bc", 0, 0, "a😀Bc", -1}));
 
@@ -103,32 +97,15 @@ QString mapByCharacter(const QString& s, bool proper) {
 // Random texts long enough for the sixteen-byte blocks, with characters of every UTF-8 length
 // at every offset, white space of both kinds and lone surrogates.
 TEST(CharacterMapping, ProperAndCrippledMatchCharacterByCharacter) {
-    const QString pieces[] = {"a",
-                              "B",
-                              "z",
-                              "Q",
-                              " ",
-                              " ",
-                              "\t",
-                              ".",
-                              "é",
-                              "\u00a0",
-                              "Σ",
-                              "İ",
-                              "ǅ",
-                              "ﬀ",
-                              "ı",
-                              "ɐ",
-                              "\u212a",
-                              "😀",
-                              "𐐀",
-                              QString(QChar(0xD800)),
-                              QString(QChar(u'\0'))};
+    QStringList pieces =
+        QStringLiteral("a|B|z|Q| | |\t|\v|\r\n|.|é|\u00a0|\u2003|Σ|İ|ǅ|ﬀ|ı|ɐ|\u212a|😀|𐐀")
+            .split(u'|');
+    pieces << QString(QChar(0xD800)) << QString(QChar(u'\0'));
     std::mt19937 rng(11);
     for (int round = 0; round < 400; ++round) {
         QString s;
         for (int i = int(rng() % 70); i > 0; --i)
-            s += pieces[rng() % std::size(pieces)];
+            s += pieces[rng() % pieces.size()];
         SCOPED_TRACE(s.toStdString());
         Harness proper(s);
         proper.run("mnuConvertToProperCase");
