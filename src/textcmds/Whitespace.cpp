@@ -262,28 +262,50 @@ QByteArray joinParagraphs(QByteArrayView text) {
     return std::move(out).finish();
 }
 
-// Whether a line is nothing but spaces; most lines show they are not at their first byte.
-inline bool blank(QByteArrayView line) {
-    for (const char c : line)
-        if (c != ' ')
-            return false;
-    return true;
-}
-
-// The lines for which keep(line) is true, each followed by CR LF; runs of kept lines are copied
-// in one piece.
-template <class Keep> QByteArray keepLines(QByteArrayView text, Keep&& keep) {
-    ByteWriter out(text.size() + kBreak.size());
+// Every line followed by CR LF, without the blank lines for which drop(start, end) is true
+// (their bytes [start, end) in order). Only lines that begin with a space or a line break can
+// be blank: those are found sixteen bytes at a time, and runs of kept lines are copied in one
+// piece.
+template <class Drop> QByteArray withoutBlankLines(QByteArrayView text, Drop&& drop) {
+    const char* s = text.data();
+    const qsizetype n = text.size();
+    ByteWriter out(n + kBreak.size());
     qsizetype runStart = 0; // the first byte not yet written or dropped
-    forEachModelLine(text, [&](QByteArrayView line) {
-        if (!keep(line)) {
-            const qsizetype start = line.data() - text.data();
-            out.append(text.sliced(runStart, start - runStart));
-            runStart = start + line.size() + kBreak.size();
-        }
-    });
+    // The line starting at `start`, when it is blank.
+    auto visit = [&](qsizetype start) {
+        qsizetype end = start;
+        while (end < n && s[end] == ' ')
+            ++end;
+        if (end < n && !(s[end] == '\r' && end + 1 < n && s[end + 1] == '\n'))
+            return;
+        if (!drop(start, end))
+            return;
+        out.append(text.sliced(runStart, start - runStart));
+        runStart = end + kBreak.size();
+    };
+    visit(0);
+    // Each LF of a CR LF followed by a space or a CR.
+    qsizetype i = 1;
+#ifdef __SSE2__
+    auto at = [&](qsizetype k) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + k)); };
+    for (; i + 17 <= n; i += 16) {
+        const __m128i next = at(i + 1);
+        const __m128i breaks = _mm_and_si128(_mm_cmpeq_epi8(at(i), _mm_set1_epi8('\n')),
+                                             _mm_cmpeq_epi8(at(i - 1), _mm_set1_epi8('\r')));
+        const __m128i starts = _mm_or_si128(_mm_cmpeq_epi8(next, _mm_set1_epi8(' ')),
+                                            _mm_cmpeq_epi8(next, _mm_set1_epi8('\r')));
+        for (auto m = unsigned(_mm_movemask_epi8(_mm_and_si128(breaks, starts))); m; m &= m - 1)
+            visit(i + __builtin_ctz(m) + 1);
+    }
+#endif
+    for (; i + 1 < n; ++i)
+        if (s[i] == '\n' && s[i - 1] == '\r' && (s[i + 1] == ' ' || s[i + 1] == '\r'))
+            visit(i + 1);
+    // An empty last line after a final CR LF.
+    if (n >= 2 && s[n - 2] == '\r' && s[n - 1] == '\n')
+        visit(n);
     // The lines after the last one dropped; the last piece of the text gets a break too.
-    if (runStart <= text.size()) {
+    if (runStart <= n) {
         out.append(text.sliced(runStart));
         out.append(kBreak);
     }
@@ -327,18 +349,16 @@ void mnuCnvDblSpcToSingle_Click(CommandContext& ctx) {
 
 void mnuReplaceDoubleBlankLineWithSingle_Click(CommandContext& ctx) {
     // The first blank line of each run stays as it is (spaces included); the others go.
-    bool previousBlank = false;
-    ctx.edit.setUtf8(keepLines(ctx.edit.utf8(), [&](QByteArrayView line) {
-        const bool isBlank = blank(line);
-        if (isBlank && previousBlank)
-            return false;
-        previousBlank = isBlank;
-        return true;
+    qsizetype afterBlank = -1; // where the line after the last blank line starts
+    ctx.edit.setUtf8(withoutBlankLines(ctx.edit.utf8(), [&](qsizetype start, qsizetype end) {
+        const bool again = start == afterBlank;
+        afterBlank = end + kBreak.size();
+        return again;
     }));
 }
 
 void mnuTrimSpaces_Click(CommandContext& ctx) {
-    ctx.edit.setUtf8(keepLines(ctx.edit.utf8(), [](QByteArrayView line) { return !blank(line); }));
+    ctx.edit.setUtf8(withoutBlankLines(ctx.edit.utf8(), [](qsizetype, qsizetype) { return true; }));
 }
 
 void mnuRemoveCRLF_Click(CommandContext& ctx) {
