@@ -29,6 +29,24 @@ bool isAsciiLower(unsigned c) {
 bool isLoneSurrogate(char32_t c) {
     return c >= 0xD800 && c <= 0xDFFF;
 }
+// An ASCII byte in upper case (`upper`) or lower case.
+unsigned asciiCase(unsigned c, bool upper) {
+    return upper ? (isAsciiLower(c) ? c - 32 : c) : (isAsciiUpper(c) ? c + 32 : c);
+}
+
+#ifdef __SSE2__
+// The lanes of `v` holding a byte from `first` to `last` (both ASCII).
+__m128i inRange(__m128i v, char first, char last) {
+    return _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8(char(first - 1))),
+                         _mm_cmplt_epi8(v, _mm_set1_epi8(char(last + 1))));
+}
+// The letters of `v` in upper case in the lanes set in `upper`, in lower case in the others.
+__m128i setCase(__m128i v, __m128i upper) {
+    const __m128i flip = _mm_or_si128(_mm_andnot_si128(upper, inRange(v, 'A', 'Z')),
+                                      _mm_and_si128(upper, inRange(v, 'a', 'z')));
+    return _mm_xor_si128(v, _mm_and_si128(flip, _mm_set1_epi8(0x20)));
+}
+#endif
 
 // Writes `mapped` for `c` unless that changes how many UTF-16 units the character takes.
 void putSimple(char32_t c, char32_t mapped, ByteWriter& out) {
@@ -169,27 +187,20 @@ struct ProperCase {
 
 #ifdef __SSE2__
     __m128i block(__m128i v, int used) {
-        const __m128i boundary = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(' ')),
-                                                           _mm_cmpeq_epi8(v, _mm_setzero_si128())),
-                                              _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8(8)),
-                                                            _mm_cmplt_epi8(v, _mm_set1_epi8(14))));
+        // Space, tab to carriage return, and NUL.
+        const __m128i boundary = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(' ')), inRange(v, '\t', '\r')),
+            _mm_cmpeq_epi8(v, _mm_setzero_si128()));
         // A word starts after a boundary: the lane before, or for lane 0 what came before.
         const __m128i start =
             _mm_or_si128(_mm_slli_si128(boundary, 1), _mm_cvtsi32_si128(wordStart ? 0xFF : 0));
-        const __m128i upper = _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8('A' - 1)),
-                                            _mm_cmplt_epi8(v, _mm_set1_epi8('Z' + 1)));
-        const __m128i lower = _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8('a' - 1)),
-                                            _mm_cmplt_epi8(v, _mm_set1_epi8('z' + 1)));
-        // A boundary character has no case: flip upper letters inside words, lower ones at starts.
-        const __m128i flip =
-            _mm_or_si128(_mm_andnot_si128(start, upper), _mm_and_si128(start, lower));
+        // A boundary character has no case, so it may go either way.
         wordStart = (unsigned(_mm_movemask_epi8(boundary)) >> (used - 1)) & 1;
-        return _mm_xor_si128(v, _mm_and_si128(flip, _mm_set1_epi8(0x20)));
+        return setCase(v, start);
     }
 #endif
     unsigned one(unsigned c) {
-        const unsigned mapped =
-            wordStart ? (isAsciiLower(c) ? c - 32 : c) : (isAsciiUpper(c) ? c + 32 : c);
+        const unsigned mapped = asciiCase(c, wordStart);
         wordStart = isWordBoundary(c);
         return mapped;
     }
@@ -212,19 +223,12 @@ struct Crippled {
     __m128i block(__m128i v, int used) {
         const __m128i oddLanes = _mm_set1_epi16(short(0xFF00));
         const __m128i up = pos % 2 ? _mm_xor_si128(oddLanes, _mm_set1_epi8(-1)) : oddLanes;
-        const __m128i upper = _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8('A' - 1)),
-                                            _mm_cmplt_epi8(v, _mm_set1_epi8('Z' + 1)));
-        const __m128i lower = _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8('a' - 1)),
-                                            _mm_cmplt_epi8(v, _mm_set1_epi8('z' + 1)));
-        const __m128i flip = _mm_or_si128(_mm_andnot_si128(up, upper), _mm_and_si128(up, lower));
         pos += used;
-        return _mm_xor_si128(v, _mm_and_si128(flip, _mm_set1_epi8(0x20)));
+        return setCase(v, up);
     }
 #endif
     unsigned one(unsigned c) {
-        const unsigned mapped =
-            pos++ % 2 ? (isAsciiLower(c) ? c - 32 : c) : (isAsciiUpper(c) ? c + 32 : c);
-        return mapped;
+        return asciiCase(c, pos++ % 2);
     }
     void wide(char32_t c, ByteWriter& out) {
         if (isLoneSurrogate(c)) {
@@ -276,7 +280,7 @@ void lowerSameLength(QStringView src, QString& dst) {
     for (qsizetype i = 0; i < n; ++i) {
         const char16_t c = in[i];
         if (c < 0x80) {
-            out[i] = char16_t(isAsciiUpper(c) ? c + 32 : c);
+            out[i] = char16_t(asciiCase(c, false));
         } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(in[i + 1])) {
             const char32_t m = QChar::toLower(QChar::surrogateToUcs4(c, in[i + 1]));
             const bool fits = QChar::requiresSurrogates(m);
