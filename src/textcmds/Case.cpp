@@ -2,10 +2,10 @@
 
 #include "textcmds/CaseMapping.h"
 #include "textcmds/Framework.h"
-#include "textcmds/Utf8Transforms.h"
-#include "util/HugePages.h"
+#include "util/ByteWriter.h"
+#include "util/Utf8.h"
 
-#include <type_traits>
+#include <array>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -15,272 +15,315 @@ namespace ed {
 
 namespace {
 
-// Text is mostly ASCII: blocks of ASCII characters are mapped by simple loops the compiler can
-// keep branch-free, everything else one character at a time.
-constexpr qsizetype kBlock = 16;
+// Every case command walks the text's bytes once through one of the mappers below: runs of ASCII
+// sixteen bytes at a time (block), single ASCII bytes (one), and every other character (wide),
+// which writes its own bytes. A mapper that works one character at a time keeps the number of
+// UTF-16 units of every character (see putSimple), so positions keep their meaning.
 
-bool asciiBlock(const char16_t* p) {
-    char16_t any = 0;
-    for (qsizetype k = 0; k < kBlock; ++k)
-        any |= p[k];
-    return any < 0x80;
+bool isAsciiUpper(unsigned c) {
+    return c - 'A' < 26;
 }
-
-char16_t asciiLower(char16_t c) {
-    return char16_t(c + (char16_t(c - u'A') < 26 ? 32 : 0));
+bool isAsciiLower(unsigned c) {
+    return c - 'a' < 26;
 }
-char16_t asciiUpper(char16_t c) {
-    return char16_t(c - (char16_t(c - u'a') < 26 ? 32 : 0));
+bool isLoneSurrogate(char32_t c) {
+    return c >= 0xD800 && c <= 0xDFFF;
 }
-bool asciiBoundary(char16_t c) {
-    return c == u' ' || char16_t(c - 9) < 5 || c == 0;
+// An ASCII byte in upper case (`upper`) or lower case.
+unsigned asciiCase(unsigned c, bool upper) {
+    return upper ? (isAsciiLower(c) ? c - 32 : c) : (isAsciiUpper(c) ? c + 32 : c);
 }
 
-// Writes f(character, position) for the character at `i` (one unit, or a surrogate pair) and
-// returns the number of units it takes. A mapping that would change the number of units keeps
-// the character as it is; a lone surrogate is copied unchanged.
-template <class F>
-qsizetype mapOne(const char16_t* in, qsizetype n, qsizetype i, char16_t* out, F& f) {
-    const char16_t c = in[i];
-    if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(in[i + 1])) {
-        const char32_t m = f(QChar::surrogateToUcs4(c, in[i + 1]), i);
-        const bool fits = QChar::requiresSurrogates(m);
-        out[i] = fits ? QChar::highSurrogate(m) : c;
-        out[i + 1] = fits ? QChar::lowSurrogate(m) : in[i + 1];
-        return 2;
-    }
-    if (QChar::isSurrogate(c)) {
-        out[i] = c;
-        return 1;
-    }
-    const char32_t m = f(char32_t(c), i);
-    out[i] = QChar::requiresSurrogates(m) ? c : char16_t(m);
-    return 1;
+#ifdef __SSE2__
+// The lanes of `v` holding a byte from `first` to `last` (both ASCII).
+__m128i inRange(__m128i v, char first, char last) {
+    return _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8(char(first - 1))),
+                         _mm_cmplt_epi8(v, _mm_set1_epi8(char(last + 1))));
+}
+// The letters of `v` in upper case in the lanes set in `upper`, in lower case in the others.
+__m128i setCase(__m128i v, __m128i upper) {
+    const __m128i flip = _mm_or_si128(_mm_andnot_si128(upper, inRange(v, 'A', 'Z')),
+                                      _mm_and_si128(upper, inRange(v, 'a', 'z')));
+    return _mm_xor_si128(v, _mm_and_si128(flip, _mm_set1_epi8(0x20)));
+}
+#endif
+
+// Writes `mapped` for `c` unless that changes how many UTF-16 units the character takes.
+void putSimple(char32_t c, char32_t mapped, ByteWriter& out) {
+    if (QChar::requiresSurrogates(mapped) != QChar::requiresSurrogates(c))
+        mapped = c;
+    char* d = out.room(4);
+    out.advance(encodeUtf8At(mapped, d));
 }
 
-// Maps all of `src` into `out` (room for src.size() units): runs of ASCII characters through
-// block(in, out, position, count), with count a compile-time constant (kBlock or 1), other
-// characters through f(character, position).
-template <class B, class F> void mapText(QStringView src, char16_t* out, B&& block, F&& f) {
-    const char16_t* in = src.utf16();
-    const qsizetype n = src.size();
-    qsizetype i = 0;
-    while (i < n) {
-        if (n - i >= kBlock && asciiBlock(in + i)) {
-            block(in + i, out + i, i, std::integral_constant<qsizetype, kBlock>());
-            i += kBlock;
-        } else if (in[i] < 0x80) {
-            block(in + i, out + i, i, std::integral_constant<qsizetype, 1>());
-            ++i;
-        } else {
-            i += mapOne(in, n, i, out, f);
-        }
-    }
-}
-
-char16_t* units(QString& s) {
-    return reinterpret_cast<char16_t*>(s.data());
-}
-
-char32_t lowerOf(char32_t c) {
-    if (c < 0x80)
-        return c >= u'A' && c <= u'Z' ? c + 32 : c;
-    return QChar::toLower(c);
-}
-
-char32_t upperOf(char32_t c) {
-    if (c < 0x80)
-        return c >= u'a' && c <= u'z' ? c - 32 : c;
-    return QChar::toUpper(c);
-}
-
-char32_t titleOf(char32_t c) {
-    return c < 0x80 ? upperOf(c) : QChar::toTitleCase(c);
-}
-
-bool isWordBoundary(char32_t c) {
-    if (c < 0x80)
-        return c == u' ' || (c >= 0x09 && c <= 0x0D) || c == 0;
-    return QChar::isSpace(c);
-}
-
-// Full case conversion in one pass: runs of ASCII characters eight at a time, every other
-// character by its full mapping, so the text grows without being copied again where a character
-// maps to more than one.
-QString convertCase(QStringView s, bool upper) {
-    const qsizetype n = s.size();
-    const QChar* in = s.data();
-    QString out(n, Qt::Uninitialized);
-    adviseHugePages(out.constData(), size_t(n) * sizeof(QChar));
-    QChar* d = out.data();
-    qsizetype o = 0;
-    CaseMapping mapping(upper);
-    auto room = [&](qsizetype need) {
-        if (o + need > out.size()) {
-            out.resize(qMax(out.size() + out.size() / 2, o + need) + 16);
-            d = out.data();
-        }
-    };
-    const char16_t* raw = s.utf16();
-    const char16_t first = upper ? u'a' : u'A';
+template <class Mapper> void mapCharacters(QByteArrayView text, Mapper& m, ByteWriter& out) {
+    const auto* s = reinterpret_cast<const unsigned char*>(text.data());
+    const qsizetype n = text.size();
     qsizetype i = 0;
     while (i < n) {
 #ifdef __SSE2__
-        // The letters of the other case get their 0x20 bit flipped. All eight are written; only
-        // the ASCII ones before the first other character count.
-        const __m128i before = _mm_set1_epi16(short(first - 1));
-        const __m128i after = _mm_set1_epi16(short(first + 26));
-        const __m128i caseBit = _mm_set1_epi16(0x20);
-        const __m128i nonAscii = _mm_set1_epi16(short(0xFF80));
-        while (n - i >= 8) {
-            room(8);
-            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(raw + i));
-            const __m128i letter =
-                _mm_and_si128(_mm_cmpgt_epi16(v, before), _mm_cmplt_epi16(v, after));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + o),
-                             _mm_xor_si128(v, _mm_and_si128(letter, caseBit)));
-            const auto ascii = unsigned(_mm_movemask_epi8(
-                _mm_cmpeq_epi16(_mm_and_si128(v, nonAscii), _mm_setzero_si128())));
-            if (ascii != 0xFFFF) {
-                const int k = __builtin_ctz(~ascii) / 2;
-                o += k;
-                i += k;
+        // All sixteen lanes are written; only the ASCII ones before the first other byte count.
+        while (n - i >= 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+            const auto other = unsigned(_mm_movemask_epi8(v));
+            const int k = other ? __builtin_ctz(other) : 16;
+            if (k == 0)
                 break;
-            }
-            o += 8;
-            i += 8;
+            char* d = out.room(16);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d), m.block(v, k));
+            out.advance(d + k);
+            i += k;
+            if (k < 16)
+                break;
         }
 #endif
         if (i >= n)
             break;
-        const QChar c = in[i];
-        if (c.unicode() < 0x80) {
-            room(1);
-            d[o++] = QChar(char16_t(upper ? upperOf(c.unicode()) : lowerOf(c.unicode())));
+        if (s[i] < 0x80) {
+            char* d = out.room(1);
+            *d = char(m.one(s[i]));
+            out.advance(d + 1);
             ++i;
             continue;
         }
-        char32_t cp = c.unicode();
-        qsizetype units = 1;
-        if (c.isHighSurrogate() && i + 1 < n && in[i + 1].isLowSurrogate()) {
-            cp = QChar::surrogateToUcs4(c, in[i + 1]);
-            units = 2;
+        int len;
+        const char32_t c = decodeUtf8At(s + i, len);
+        if (len > n - i) { // cut short: not from the model, kept as it is
+            out.append(text.sliced(i));
+            break;
         }
-        const QStringView full = mapping.map(cp);
-        room(full.size());
-        for (QChar f : full)
-            d[o++] = f;
-        i += units;
+        m.wide(c, out);
+        i += len;
     }
-    out.truncate(o);
-    return out;
 }
 
-QString lowered(QStringView s) {
-    return convertCase(s, false);
+// The UTF-8 of the full case mapping of characters outside ASCII. The two-byte characters (the
+// letters of most European scripts) are worked out once each, the others every time.
+class FullMapping {
+public:
+    explicit FullMapping(bool upper) : mapping_(upper) {
+        for (Entry& e : twoByte_)
+            e.size = kUnknown;
+    }
+
+    void put(char32_t cp, ByteWriter& out) {
+        if (cp < 0x800) {
+            Entry& e = twoByte_[cp - 0x80];
+            if (e.size == kUnknown) {
+                const QStringView m = mapping_.map(cp);
+                if (m.size() * 3 <= qsizetype(sizeof e.bytes))
+                    e.size = quint8(write(m, e.bytes) - e.bytes);
+                else
+                    e.size = kLong;
+            }
+            if (e.size != kLong) {
+                char* d = out.room(sizeof e.bytes);
+                std::memcpy(d, e.bytes, sizeof e.bytes);
+                out.advance(d + e.size);
+                return;
+            }
+        }
+        const QStringView m = mapping_.map(cp);
+        out.advance(write(m, out.room(3 * m.size())));
+    }
+
+private:
+    static constexpr quint8 kUnknown = 0xFF;
+    static constexpr quint8 kLong = 0xFE;
+    struct Entry {
+        quint8 size;
+        char bytes[15];
+    };
+
+    // UTF-8 of a mapping (at most three bytes per unit; a surrogate pair takes four for two).
+    static char* write(QStringView m, char* d) {
+        for (qsizetype k = 0; k < m.size(); ++k) {
+            char32_t u = m[k].unicode();
+            if (m[k].isHighSurrogate() && k + 1 < m.size() && m[k + 1].isLowSurrogate()) {
+                u = QChar::surrogateToUcs4(m[k], m[k + 1]);
+                ++k;
+            }
+            d = encodeUtf8At(u, d);
+        }
+        return d;
+    }
+
+    CaseMapping mapping_;
+    std::array<Entry, 0x800 - 0x80> twoByte_;
+};
+
+// Upper or lower case by the full mappings (sharp s becomes "SS", dotted capital I "i" and a
+// combining dot), as a whole string converts.
+struct FullCase {
+    explicit FullCase(bool upper) : full(upper), first(upper ? 'a' : 'A') {}
+    FullMapping full;
+    unsigned first; // the first letter that changes
+
+#ifdef __SSE2__
+    __m128i block(__m128i v, int) const {
+        // The letters of the other case get their 0x20 bit flipped.
+        const __m128i letter = _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8(char(first - 1))),
+                                             _mm_cmplt_epi8(v, _mm_set1_epi8(char(first + 26))));
+        return _mm_xor_si128(v, _mm_and_si128(letter, _mm_set1_epi8(0x20)));
+    }
+#endif
+    unsigned one(unsigned c) const {
+        return c ^ (c - first < 26 ? 0x20 : 0);
+    }
+    void wide(char32_t c, ByteWriter& out) {
+        full.put(c, out);
+    }
+};
+
+bool isWordBoundary(char32_t c) {
+    if (c < 0x80)
+        return c == ' ' || (c >= 0x09 && c <= 0x0D) || c == 0;
+    return QChar::isSpace(c);
 }
-QString uppered(QStringView s) {
-    return convertCase(s, true);
+
+// The first character of every word in title case, every other one in lower case.
+struct ProperCase {
+    bool wordStart = true;
+
+#ifdef __SSE2__
+    __m128i block(__m128i v, int used) {
+        // Space, tab to carriage return, and NUL.
+        const __m128i boundary = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(' ')), inRange(v, '\t', '\r')),
+            _mm_cmpeq_epi8(v, _mm_setzero_si128()));
+        // A word starts after a boundary: the lane before, or for lane 0 what came before.
+        const __m128i start =
+            _mm_or_si128(_mm_slli_si128(boundary, 1), _mm_cvtsi32_si128(wordStart ? 0xFF : 0));
+        // A boundary character has no case, so it may go either way.
+        wordStart = (unsigned(_mm_movemask_epi8(boundary)) >> (used - 1)) & 1;
+        return setCase(v, start);
+    }
+#endif
+    unsigned one(unsigned c) {
+        const unsigned mapped = asciiCase(c, wordStart);
+        wordStart = isWordBoundary(c);
+        return mapped;
+    }
+    void wide(char32_t c, ByteWriter& out) {
+        if (isLoneSurrogate(c)) {
+            putSimple(c, c, out); // neither a word nor a boundary
+            return;
+        }
+        const bool boundary = QChar::isSpace(c);
+        putSimple(c, boundary ? c : wordStart ? QChar::toTitleCase(c) : QChar::toLower(c), out);
+        wordStart = boundary;
+    }
+};
+
+// Lower case, and every character at an even position (1-based, in UTF-16 units) upper case.
+struct Crippled {
+    qsizetype pos = 0; // 0-based: odd positions go upper
+
+#ifdef __SSE2__
+    __m128i block(__m128i v, int used) {
+        const __m128i oddLanes = _mm_set1_epi16(short(0xFF00));
+        const __m128i up = pos % 2 ? _mm_xor_si128(oddLanes, _mm_set1_epi8(-1)) : oddLanes;
+        pos += used;
+        return setCase(v, up);
+    }
+#endif
+    unsigned one(unsigned c) {
+        return asciiCase(c, pos++ % 2);
+    }
+    void wide(char32_t c, ByteWriter& out) {
+        if (isLoneSurrogate(c)) {
+            putSimple(c, c, out);
+            ++pos;
+            return;
+        }
+        const char32_t lower = QChar::toLower(c);
+        putSimple(c, pos % 2 ? QChar::toUpper(lower) : lower, out);
+        pos += QChar::requiresSurrogates(c) ? 2 : 1;
+    }
+};
+
+// Room for a little growth (a sharp s becomes "SS"); more is made when needed.
+qsizetype guessedSize(QByteArrayView text) {
+    return text.size() + text.size() / 16 + 64;
+}
+
+QByteArray convertCase(QByteArrayView text, bool upper) {
+    ByteWriter out(guessedSize(text));
+    FullCase mapper(upper);
+    mapCharacters(text, mapper, out);
+    return std::move(out).finish();
+}
+
+QByteArray properCase(QByteArrayView text, bool trailingSpace) {
+    ByteWriter out(guessedSize(text));
+    ProperCase mapper;
+    mapCharacters(text, mapper, out);
+    if (trailingSpace)
+        out.append(" ");
+    return std::move(out).finish();
+}
+
+QByteArray crippledCase(QByteArrayView text) {
+    ByteWriter out(guessedSize(text));
+    Crippled mapper;
+    mapCharacters(text, mapper, out);
+    return std::move(out).finish();
 }
 
 } // namespace
 
 void lowerSameLength(QStringView src, QString& dst) {
     dst.resize(src.size());
-    mapText(
-        src, units(dst),
-        [](const char16_t* in, char16_t* out, qsizetype, auto count) {
-            for (qsizetype k = 0; k < count; ++k)
-                out[k] = asciiLower(in[k]);
-        },
-        [](char32_t c, qsizetype) { return lowerOf(c); });
-}
-
-QString properCase(QStringView s) {
-    QString out(s.size(), Qt::Uninitialized);
-    bool wordStart = true;
-    mapText(
-        s, units(out),
-        [&](const char16_t* in, char16_t* o, qsizetype, auto count) {
-            // A boundary character has no case, so each character is simply upper-cased after a
-            // boundary and lower-cased elsewhere.
-            // Written without branches: word starts are too irregular to predict.
-            o[0] = wordStart ? asciiUpper(in[0]) : asciiLower(in[0]);
-            for (qsizetype k = 1; k < count; ++k) {
-                const char16_t c = in[k], p = in[k - 1];
-                const unsigned start =
-                    unsigned(p == u' ') | unsigned(char16_t(p - 9) < 5) | unsigned(p == 0);
-                const unsigned upper = unsigned(char16_t(c - u'A') < 26);
-                const unsigned lower = unsigned(char16_t(c - u'a') < 26);
-                o[k] = char16_t(c + 32 * (upper & (start ^ 1)) - 32 * (lower & start));
-            }
-            wordStart = asciiBoundary(in[count - 1]);
-        },
-        [&](char32_t c, qsizetype) {
-            if (isWordBoundary(c)) {
-                wordStart = true;
-                return c;
-            }
-            const char32_t m = wordStart ? titleOf(c) : lowerOf(c);
-            wordStart = false;
-            return m;
-        });
-    return out;
-}
-
-QString crippledCase(QStringView s) {
-    // Position i + 1 (1-based) is even when the 0-based index i is odd.
-    QString out(s.size(), Qt::Uninitialized);
-    mapText(
-        s, units(out),
-        [](const char16_t* in, char16_t* o, qsizetype i, auto count) {
-            for (qsizetype k = 0; k < count; ++k)
-                o[k] = (i + k) % 2 ? asciiUpper(in[k]) : asciiLower(in[k]);
-        },
-        [](char32_t c, qsizetype i) { return i % 2 ? upperOf(lowerOf(c)) : lowerOf(c); });
-    return out;
+    char16_t* out = reinterpret_cast<char16_t*>(dst.data());
+    const char16_t* in = src.utf16();
+    const qsizetype n = src.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = in[i];
+        if (c < 0x80) {
+            out[i] = char16_t(asciiCase(c, false));
+        } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(in[i + 1])) {
+            const char32_t m = QChar::toLower(QChar::surrogateToUcs4(c, in[i + 1]));
+            const bool fits = QChar::requiresSurrogates(m);
+            out[i] = fits ? QChar::highSurrogate(m) : c;
+            out[i + 1] = fits ? QChar::lowSurrogate(m) : in[i + 1];
+            ++i;
+        } else {
+            const char32_t m = QChar::isSurrogate(c) ? c : QChar::toLower(char32_t(c));
+            out[i] = QChar::requiresSurrogates(m) ? c : char16_t(m);
+        }
+    }
 }
 
 void mnuConvertToLowerCase_Click(CommandContext& ctx) {
-    selectionOrWhole(ctx, !ctx.edit.selText().isEmpty(), lowered);
+    selectionOrWholeUtf8(ctx, ctx.edit.selLength() != 0,
+                         [](QByteArrayView s) { return convertCase(s, false); });
 }
 
 void mnuConvertToUpperCase_Click(CommandContext& ctx) {
-    selectionOrWhole(ctx, !ctx.edit.selText().isEmpty(), uppered);
-}
-
-// Only a document without a selection comes here: the whole text is converted.
-void mnuConvertToLowerCase_Utf8(CommandContext&, Utf8Document& doc) {
-    doc.setText(convertCaseUtf8(doc.text(), false));
-}
-
-void mnuConvertToUpperCase_Utf8(CommandContext&, Utf8Document& doc) {
-    doc.setText(convertCaseUtf8(doc.text(), true));
+    selectionOrWholeUtf8(ctx, ctx.edit.selLength() != 0,
+                         [](QByteArrayView s) { return convertCase(s, true); });
 }
 
 void mnuConvertToProperCase_Click(CommandContext& ctx) {
     // A selection of spaces only counts as none: the whole text is converted.
-    const QString sel = ctx.edit.selText();
-    selectionOrWhole(ctx, !trimSpaces(sel).isEmpty(), properCase);
+    selectionOrWholeUtf8(ctx, !trimSpaces(QStringView(ctx.edit.selText())).isEmpty(),
+                         [](QByteArrayView s) { return properCase(s, false); });
 }
 
 void mnuCapitalizeEachWord_Click(CommandContext& ctx) {
     // Each space-separated piece (empty ones included) in proper case and followed by one space.
-    // A space is a word boundary of properCase, so converting the stretch in one go and adding
+    // A space is a word boundary of proper case, so converting the stretch in one go and adding
     // the final space gives the same text as converting piece by piece.
-    selectionOrWhole(ctx, !ctx.edit.selText().isEmpty(), [](QStringView s) {
-        QString out = properCase(s);
-        out.append(u' ');
-        return out;
-    });
+    selectionOrWholeUtf8(ctx, ctx.edit.selLength() != 0,
+                         [](QByteArrayView s) { return properCase(s, true); });
 }
 
 void mnuConvertToCrippledText_Click(CommandContext& ctx) {
     // The stretch is trimmed of spaces before it goes back, and the caret is left where the new
     // text puts it.
-    selectionOrWhole(
-        ctx, ctx.edit.selLength() != 0, [](QStringView s) { return crippledCase(trimSpaces(s)); },
-        false);
+    selectionOrWholeUtf8(
+        ctx, ctx.edit.selLength() != 0,
+        [](QByteArrayView s) { return crippledCase(trimSpaces(s)); }, false);
 }
 
 } // namespace ed

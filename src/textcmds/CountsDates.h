@@ -4,6 +4,8 @@
 
 #include "app/Command.h"
 
+#include <QByteArrayView>
+
 namespace ed {
 
 void mnuGetCharCount_Click(CommandContext& ctx);
@@ -11,5 +13,8 @@ void mnuShowLineCount_Click(CommandContext& ctx);
 void mnuInsertDate_Click(CommandContext& ctx);
 void mnuInsertTime_Click(CommandContext& ctx);
 void mnuInsertDateTime_Click(CommandContext& ctx);
+
+// How many CR LF pairs the text holds (its lines are one more).
+qsizetype countLineBreaks(QByteArrayView text);
 
 } // namespace ed

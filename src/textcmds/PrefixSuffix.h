@@ -1,11 +1,10 @@
 #pragma once
+// Add Prefix and Add Suffix: every line becomes prefix + line (or line + suffix) with the spaces
+// at both ends of the whole trimmed, followed by CR LF.
+
 #include "app/Command.h"
-#include "util/Utf8Document.h"
 
 namespace ed {
 void mnuAddPrefix_Click(CommandContext& ctx);
 void mnuAddSuffix_Click(CommandContext& ctx);
-// The same commands on the whole of a UTF-8 document's bytes (see Utf8Commands.h).
-void mnuAddPrefix_Utf8(CommandContext& ctx, Utf8Document& doc);
-void mnuAddSuffix_Utf8(CommandContext& ctx, Utf8Document& doc);
 } // namespace ed

@@ -1,9 +1,6 @@
 #include "textcmds/Utf8Commands.h"
 
-#include "textcmds/Case.h"
 #include "textcmds/LineFilters.h"
-#include "textcmds/PrefixSuffix.h"
-#include "textcmds/Whitespace.h"
 
 #include <utility>
 
@@ -11,13 +8,7 @@ namespace ed {
 
 const Utf8Command* findUtf8Command(Handler handler) {
     static const std::pair<Handler, Utf8Command> kVersions[] = {
-        {mnuConvertToUpperCase_Click, {mnuConvertToUpperCase_Utf8, false}},
-        {mnuConvertToLowerCase_Click, {mnuConvertToLowerCase_Utf8, false}},
-        {mnuRemoveAllSpaces_Click, {mnuRemoveAllSpaces_Utf8, false}},
-        {mnuTrimLeadingAndTrailingSpaces_Click, {mnuTrimLeadingAndTrailingSpaces_Utf8, true}},
         {mnuByNumericValue_Click, {mnuByNumericValue_Utf8, true}},
-        {mnuAddPrefix_Click, {mnuAddPrefix_Utf8, true}},
-        {mnuAddSuffix_Click, {mnuAddSuffix_Utf8, true}},
         {mnuRemoveLinesContainingText_Click, {mnuRemoveLinesContainingText_Utf8, true}},
         {mnuRemoveLinesNotContainingText_Click, {mnuRemoveLinesNotContainingText_Utf8, true}},
     };

@@ -10,17 +10,6 @@
 
 namespace ed {
 
-// Every character in upper case (`upper`) or lower case, by its full mapping (sharp s becomes
-// "SS"), as the case commands convert a whole text.
-QByteArray convertCaseUtf8(QByteArrayView text, bool upper);
-
-// Every U+0020 removed.
-QByteArray removeSpacesUtf8(QByteArrayView text);
-
-// Each line of the document becomes prefix + line + suffix with the spaces at both ends of the
-// whole trimmed, followed by the document's line break (the last piece too, even when empty).
-QByteArray affixLinesUtf8(const Utf8Document& doc, const QString& prefix, const QString& suffix);
-
 // The lines of the document for which keep(line) is true, each followed by the document's line
 // break; runs of kept lines are copied in one piece.
 template <class Keep> QByteArray keepLinesUtf8(const Utf8Document& doc, Keep&& keep) {

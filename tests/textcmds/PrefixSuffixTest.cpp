@@ -30,13 +30,17 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(AffixCase{"mnuAddPrefix", "a\r\nb", "x", "xa\r\nxb\r\n"},
                       AffixCase{"mnuAddPrefix", "a\r\nb\r\n", "x", "xa\r\nxb\r\nx\r\n"},
                       AffixCase{"mnuAddPrefix", "", "x", "x\r\n"},
-                      AffixCase{"mnuAddPrefix", "a", "  >", ">a"
-                                                            "\r\n"},
+                      AffixCase{"mnuAddPrefix", "a", "  >",
+                                ">a"
+                                "\r\n"},
                       AffixCase{"mnuAddPrefix", "a  \r\n\tb", "-", "-a\r\n-\tb\r\n"},
                       AffixCase{"mnuAddSuffix", "a  ", "x", "a  x\r\n"},
                       AffixCase{"mnuAddSuffix", "a", "  ", "a\r\n"},
                       AffixCase{"mnuAddSuffix", "  a\r\n", ";", "a;\r\n;\r\n"},
-                      AffixCase{"mnuAddSuffix", "a\nb", "!", "a\nb!\r\n"}));
+                      AffixCase{"mnuAddSuffix", "a\nb", "!", "a\nb!\r\n"},
+                      AffixCase{"mnuAddPrefix", "  abcdefghijklmnopqrstuvwxyz  \r\n😀", "é ",
+                                "é   abcdefghijklmnopqrstuvwxyz\r\né 😀\r\n"},
+                      AffixCase{"mnuAddSuffix", " \r\n  x", " ;  ", ";\r\nx ;\r\n"}));
 
 TEST(AffixPrompt, OffersTrimmedSelectionThenRemembered) {
     Harness h(QStringLiteral("  sel  rest"));

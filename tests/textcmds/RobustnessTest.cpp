@@ -59,9 +59,9 @@ TEST(Robustness, EveryCommandFinishesOnAwkwardText) {
             h.dialogs.answers.push_back(QString::fromUtf8(c.answer));
         h.run(QString::fromLatin1(c.item));
         EXPECT_TRUE(h.log.errors.empty());
-        EXPECT_EQ(h.edit.assignments() + int(h.dialogs.messages.size()) > 0, true);
         // A surrogate pair that was whole stays whole: no new lone halves.
         const QString out = h.edit.text();
+        EXPECT_TRUE(h.edit.assignments() > 0 || out != text || !h.dialogs.messages.empty());
         qsizetype lone = 0;
         for (qsizetype i = 0; i < out.size(); ++i) {
             if (out[i].isHighSurrogate() && i + 1 < out.size() && out[i + 1].isLowSurrogate())
