@@ -219,6 +219,9 @@ TEST(Replace, ReplacesExactlyAndSelectsFive) {
         {"a-b", 0, 0, "-", Answer::No, "a-b", 0, 0, emptyDash, unset},
         {"a-b-", 2, 0, "-", Answer::Yes, "ab", 2, 0, emptyDash, ""},
         {"abc", 1, 0, "", Answer::No, "abc", 1, 0, "", unset}, // cancelled
+        {QStringLiteral("\U0001F600stra\u00dfe Stra\u00dfe"), 0, 0,
+         QStringLiteral("a\u00dfe|\u00e4"), Answer::No,
+         QStringLiteral("\U0001F600str\u00e4 Str\u00e4"), 0, 5, "", QStringLiteral("\u00e4")},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text.toStdString() + " / " + c.answers.toStdString());
