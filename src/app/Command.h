@@ -24,7 +24,7 @@ struct FormState {
     QString LastDir;     // folder of the document, persisted as "Last Dir"
     QString NewFileName; // the last name made for an untitled document
     bool RightMargin = false;
-    QString UndoText; // the insert/undo buffer
+    QByteArray UndoText; // the insert/undo buffer (model bytes, as EditControl::utf8())
     qint32 SearchPos = 0;
     bool OpenSelectPending = false;
     bool KeepInitDirOnce = false;

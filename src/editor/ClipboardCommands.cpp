@@ -1,6 +1,7 @@
 #include "editor/ClipboardCommands.h"
 
 #include "app/Trap.h"
+#include "util/ModelText.h"
 
 #include <limits>
 
@@ -20,28 +21,28 @@ qint32 add32(qint64 a, qint64 b) {
     return qint32(r);
 }
 
-// The first `n` characters; a negative count is an invalid call.
-QStringView leftOf(QStringView s, qint32 n) {
-    if (n < 0)
+// The `length` characters (UTF-16 units) at `start` of the document's bytes, as byte offsets.
+// Both counts must lie within the text, as the first and last characters of a splice must:
+// anything else is an invalid call.
+struct Cut {
+    qsizetype from = 0;
+    qsizetype to = 0;
+};
+Cut unitsToBytes(QByteArrayView doc, qint32 start, qint32 length) {
+    const qint32 tail = add32(utf16Length(doc), -qint64(add32(start, length)));
+    if (start < 0 || length < 0 || tail < 0)
         throw RuntimeError("Invalid procedure call or argument");
-    return s.left(n);
+    Cut c;
+    c.from = byteOffsetOf(doc, start);
+    c.to = c.from + byteOffsetOf(doc.sliced(c.from), length);
+    return c;
 }
 
-// The last `n` characters; a negative count is an invalid call.
-QStringView rightOf(QStringView s, qint32 n) {
-    if (n < 0)
-        throw RuntimeError("Invalid procedure call or argument");
-    return n >= s.size() ? s : s.right(n);
-}
-
-// The document with the `length` characters at `start` replaced by `middle`.
-QString spliced(const QString& doc, qint32 start, qint32 length, QStringView middle) {
-    const qint32 tail = add32(doc.size(), -qint64(add32(start, length)));
-    const QStringView head = leftOf(doc, start);
-    const QStringView rest = rightOf(doc, tail);
-    QString out;
-    out.reserve(head.size() + middle.size() + rest.size());
-    out.append(head).append(middle).append(rest);
+// The document with the bytes of `cut` replaced by `middle`.
+QByteArray spliced(QByteArrayView doc, Cut cut, QByteArrayView middle) {
+    QByteArray out;
+    out.reserve(doc.size() - (cut.to - cut.from) + middle.size());
+    out.append(doc.first(cut.from)).append(middle).append(doc.sliced(cut.to));
     return out;
 }
 
@@ -59,17 +60,16 @@ void mnuCopy_Click(CommandContext& ctx) {
 void mnuCut_Click(CommandContext& ctx) {
     const qint32 start = ctx.edit.selStart();
     const qint32 length = ctx.edit.selLength();
-    const QString doc = ctx.edit.text();
-    if (start < 0 || length < 0)
-        throw RuntimeError("Invalid procedure call or argument");
-    putOnClipboard(ctx, QStringView(doc).mid(start, length).toString());
-    ctx.edit.setText(spliced(doc, start, length, {}));
+    const QByteArray doc = ctx.edit.utf8();
+    const Cut cut = unitsToBytes(doc, start, length);
+    putOnClipboard(ctx, fromModelUtf8(QByteArrayView(doc).sliced(cut.from, cut.to - cut.from)));
+    ctx.edit.setUtf8(spliced(doc, cut, {}));
     ctx.edit.setSelStart(start);
     ctx.edit.setSelLength(0);
 }
 
 void mnuPaste_Click(CommandContext& ctx) {
-    const QString doc = ctx.edit.text();
+    const QByteArray doc = ctx.edit.utf8();
     const qint32 start = ctx.edit.selStart();
     const qint32 length = ctx.edit.selLength();
     QString clip = ctx.clipboard.text();
@@ -77,7 +77,7 @@ void mnuPaste_Click(CommandContext& ctx) {
     // a trailing line break is pasted with the rest. Kept as the command has always behaved.
     if (QStringView(clip).right(1) == QStringView(kCrLf))
         clip.chop(1);
-    ctx.edit.setText(spliced(doc, start, length, clip));
+    ctx.edit.setUtf8(spliced(doc, unitsToBytes(doc, start, length), toModelUtf8(clip)));
     ctx.edit.setSelStart(start); // before the pasted text
     ctx.edit.setSelLength(0);
 }
@@ -88,31 +88,32 @@ void mnuSelectAll_Click(CommandContext& ctx) {
 }
 
 void mnuLoadClipBoardText_Click(CommandContext& ctx) {
-    ctx.edit.setText(ctx.clipboard.text());
+    ctx.edit.setUtf8(toModelUtf8(ctx.clipboard.text()));
 }
 
 void InsertText(CommandContext& ctx, const QString& text) {
     trapped(ctx.log, kModule, QStringLiteral("Sub InsertText"), [&] {
-        UndoInsert(ctx, ctx.edit.text());
+        UndoInsert(ctx, ctx.edit.utf8());
         const qint32 caret = ctx.edit.selStart();
-        const QString doc = ctx.edit.text();
-        QString result;
+        const QByteArray doc = ctx.edit.utf8();
+        const QByteArray insert = toModelUtf8(text);
+        QByteArray result;
         if (caret >= 1) {
-            result = spliced(doc, caret, 0, text);
+            result = spliced(doc, unitsToBytes(doc, caret, 0), insert);
         } else {
-            result.reserve(text.size() + 2 + doc.size());
-            result.append(text).append(kCrLf).append(doc);
+            result.reserve(insert.size() + 2 + doc.size());
+            result.append(insert).append("\r\n").append(doc);
         }
-        ctx.edit.setText(result);
+        ctx.edit.setUtf8(result);
     });
 }
 
-void UndoInsert(CommandContext& ctx, const QString& text) {
+void UndoInsert(CommandContext& ctx, const QByteArray& text) {
     trapped(ctx.log, kModule, QStringLiteral("Sub UndoInsert"), [&] {
         if (!text.isEmpty())
             ctx.form.UndoText = text;
         else
-            ctx.edit.setText(ctx.form.UndoText);
+            ctx.edit.setUtf8(ctx.form.UndoText);
     });
 }
 

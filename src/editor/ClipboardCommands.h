@@ -4,6 +4,7 @@
 
 #include "app/Command.h"
 
+#include <QByteArray>
 #include <QString>
 
 namespace ed {
@@ -19,7 +20,8 @@ void mnuLoadClipBoardText_Click(CommandContext& ctx);
 // document first gets the kept text back (see UndoInsert).
 void InsertText(CommandContext& ctx, const QString& text);
 
-// A non-empty `text` is kept as UndoText; an empty one puts UndoText back as the whole document.
-void UndoInsert(CommandContext& ctx, const QString& text);
+// A non-empty `text` (the document's bytes) is kept as UndoText; an empty one puts UndoText back
+// as the whole document.
+void UndoInsert(CommandContext& ctx, const QByteArray& text);
 
 } // namespace ed

@@ -1,45 +1,36 @@
 #include "editor/LowerCaseSearch.h"
 
-#include <QVarLengthArray>
+#include "util/ModelText.h"
+#include "util/SubstringFinder.h"
+#include "util/Utf8.h"
+
+#include <QChar>
 
 #include <algorithm>
-#include <array>
-#include <limits>
+#include <cstring>
 #include <memory>
-#include <utility>
-#include <vector>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace ed {
 
 namespace {
 
-// Lower case of every UTF-16 unit outside surrogate pairs, and the way back: which units lower
-// to a given one. Built once.
+// The lower case of every character of the Basic Multilingual Plane, built once. A character
+// whose lower case lies outside that plane keeps its own (the two would differ in UTF-16 units).
 class LowerCaseTable {
 public:
     static const LowerCaseTable& instance() {
         static const LowerCaseTable table;
         return table;
     }
-
-    char16_t lower(char16_t u) const { return map_[u]; }
-
-    // The units whose lower case is `lowered`: how many (at most four), 0 when there are more
-    // or when `lowered` is half of a pair.
-    int unitsLoweringTo(char16_t lowered, std::array<char16_t, 4>& out) const {
-        if (QChar::isSurrogate(lowered))
-            return 0;
-        int count = 0;
-        if (map_[lowered] == lowered)
-            out[count++] = lowered;
-        const auto range = std::equal_range(raised_.begin(), raised_.end(),
-                                            std::pair<char16_t, char16_t>(lowered, 0), byLower);
-        for (auto it = range.first; it != range.second; ++it) {
-            if (count == 4)
-                return 0;
-            out[size_t(count++)] = it->second;
-        }
-        return count;
+    char32_t lower(char32_t c) const {
+        if (c < 0x10000)
+            return map_[c];
+        const char32_t l = QChar::toLower(c);
+        return QChar::requiresSurrogates(l) ? l : c; // a pair always lowers to a pair
     }
 
 private:
@@ -49,136 +40,132 @@ private:
             map_[u] = char16_t(QChar::requiresSurrogates(l) ? u : l);
         }
         // Capital I with dot is the one letter whose full lower case is two characters (i and a
-        // combining dot), so the per-character mapping leaves it alone; its simple lower case is
-        // a plain i.
+        // combining dot); its simple lower case is a plain i.
         map_[0x130] = u'i';
-        for (char32_t u = 0; u < 0x10000; ++u)
-            if (map_[u] != u)
-                raised_.emplace_back(map_[u], char16_t(u));
-        std::sort(raised_.begin(), raised_.end());
     }
-
-    static bool byLower(const std::pair<char16_t, char16_t>& a,
-                        const std::pair<char16_t, char16_t>& b) {
-        return a.first < b.first;
-    }
-
     std::unique_ptr<char16_t[]> map_;
-    std::vector<std::pair<char16_t, char16_t>> raised_; // (lower case, unit), sorted
 };
 
-char32_t lowerCodePoint(char32_t c) {
-    const char32_t l = QChar::toLower(c);
-    return QChar::requiresSurrogates(l) ? l : c; // a pair always lowers to a pair
+// Length of the sequence a byte of 0x80 or above starts; 0 for a byte that starts none.
+inline int sequenceLength(unsigned char c) {
+    return c < 0xC0 ? 0 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : c < 0xF8 ? 4 : 0;
 }
 
-// Unit i of the lower case of s (a pair is lowered as one character, a lone surrogate stays).
-char16_t loweredUnit(const char16_t* s, qsizetype n, qsizetype i, const LowerCaseTable& table) {
-    const char16_t u = s[i];
-    if (!QChar::isSurrogate(u))
-        return table.lower(u);
-    if (QChar::isHighSurrogate(u) && i + 1 < n && QChar::isLowSurrogate(s[i + 1]))
-        return QChar::highSurrogate(lowerCodePoint(QChar::surrogateToUcs4(u, s[i + 1])));
-    if (QChar::isLowSurrogate(u) && i > 0 && QChar::isHighSurrogate(s[i - 1]))
-        return QChar::lowSurrogate(lowerCodePoint(QChar::surrogateToUcs4(s[i - 1], u)));
-    return u;
-}
-
-// One place of the needle whose units are looked for directly with the fast exact character
-// search; chosen as the rarest in a sample of the text.
-struct Anchor {
-    qsizetype offset = -1; // in the needle; -1: none usable
-    int kinds = 0;
-    std::array<char16_t, 4> units{};
-};
-
-Anchor chooseAnchor(QStringView text, const QString& lowNeedle, qsizetype from,
-                    const LowerCaseTable& table) {
-    constexpr qsizetype kSample = 1 << 16;
-    constexpr qsizetype kPlaces = 16;
-    const QStringView sample = text.mid(from, std::min(kSample, text.size() - from));
-    Anchor best;
-    qsizetype bestCount = std::numeric_limits<qsizetype>::max();
-    for (qsizetype p = 0; p < std::min(kPlaces, lowNeedle.size()); ++p) {
-        Anchor a;
-        a.offset = p;
-        a.kinds = table.unitsLoweringTo(lowNeedle[p].unicode(), a.units);
-        if (a.kinds == 0)
-            continue;
-        qsizetype count = 0;
-        for (int j = 0; j < a.kinds; ++j)
-            count += sample.count(QChar(a.units[size_t(j)]));
-        if (count < bestCount) {
-            best = a;
-            bestCount = count;
-            if (count == 0)
-                break;
+// Writes the lower case of the whole characters in [s, s + n) at `d` and returns the end of what
+// was written. `d` needs room for 3 * n / 2 + 16 bytes (a two-byte character can lower to three;
+// whole blocks of sixteen are stored at once). Bytes that are not UTF-8 are copied as they are.
+char* lowerInto(const unsigned char* s, qsizetype n, char* d, const LowerCaseTable& table) {
+    qsizetype i = 0;
+    while (i < n) {
+#ifdef __SSE2__
+        if (i + 16 <= n) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+            // Bytes of 0x80 and above are negative here, so they are never taken for capitals.
+            const __m128i upper = _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8('A' - 1)),
+                                                _mm_cmplt_epi8(v, _mm_set1_epi8('Z' + 1)));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d),
+                             _mm_or_si128(v, _mm_and_si128(upper, _mm_set1_epi8(0x20))));
+            const unsigned wide = unsigned(_mm_movemask_epi8(v));
+            const int ascii = wide ? __builtin_ctz(wide) : 16;
+            i += ascii;
+            d += ascii;
+            if (ascii == 16)
+                continue;
         }
+#endif
+        const unsigned char c = s[i];
+        if (c < 0x80) {
+            *d++ = char(unsigned(c - 'A') < 26u ? c + 0x20 : c);
+            ++i;
+            continue;
+        }
+        const int len = sequenceLength(c);
+        bool whole = len > 0 && len <= n - i;
+        for (int k = 1; whole && k < len; ++k)
+            whole = (s[i + k] & 0xC0) == 0x80;
+        if (!whole) {
+            *d++ = char(c);
+            ++i;
+            continue;
+        }
+        int decoded = 0;
+        const char32_t cp = decodeUtf8At(s + i, decoded);
+        const char32_t l = table.lower(cp);
+        if (l == cp || l > 0x10FFFF) {
+            std::memcpy(d, s + i, size_t(len));
+            d += len;
+        } else {
+            d = encodeUtf8At(l, d);
+        }
+        i += len;
     }
-    return best;
+    return d;
+}
+
+inline bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
 } // namespace
 
-QString lowerSameLength(QStringView text) {
-    const LowerCaseTable& table = LowerCaseTable::instance();
-    const auto* s = reinterpret_cast<const char16_t*>(text.data());
-    QString out(text.size(), Qt::Uninitialized);
-    auto* o = reinterpret_cast<char16_t*>(out.data());
-    for (qsizetype i = 0; i < text.size(); ++i)
-        o[i] = loweredUnit(s, text.size(), i, table);
+QByteArray lowerSameLength(QByteArrayView text) {
+    QByteArray out(text.size() * 3 / 2 + 16, Qt::Uninitialized);
+    const char* end = lowerInto(reinterpret_cast<const unsigned char*>(text.data()), text.size(),
+                                out.data(), LowerCaseTable::instance());
+    out.truncate(end - out.constData());
     return out;
 }
 
-qsizetype indexOfIgnoringCase(QStringView text, QStringView needle, qsizetype from) {
-    const qsizetype n = text.size();
-    const qsizetype m = needle.size();
+qsizetype indexOfIgnoringCase(QByteArrayView text, QByteArrayView needle, qsizetype from) {
     from = std::max<qsizetype>(from, 0);
-    if (m == 0)
-        return from <= n ? from : -1;
-    const qsizetype last = n - m; // the last place a match can start
-    if (from > last)
-        return -1;
-    const LowerCaseTable& table = LowerCaseTable::instance();
-    const QString lowNeedle = lowerSameLength(needle);
-    const auto* nl = reinterpret_cast<const char16_t*>(lowNeedle.constData());
-    const auto* s = reinterpret_cast<const char16_t*>(text.data());
-    auto matchesAt = [&](qsizetype i) {
-        for (qsizetype k = 0; k < m; ++k)
-            if (loweredUnit(s, n, i + k, table) != nl[k])
-                return false;
-        return true;
-    };
-
-    const Anchor anchor = chooseAnchor(text, lowNeedle, from, table);
-    if (anchor.offset < 0) {
-        // Only surrogates or very common lower cases in the needle: compare at every place.
-        for (qsizetype i = from; i <= last; ++i)
-            if (matchesAt(i))
-                return i;
-        return -1;
-    }
-
-    // Jump from one anchor unit to the next, keeping the next place of each kind of unit.
-    const qsizetype lo = from + anchor.offset;
-    const qsizetype hi = last + anchor.offset;
-    std::array<qsizetype, 4> next{};
-    auto seek = [&](int j, qsizetype pos) {
-        const qsizetype at = pos <= hi ? text.indexOf(QChar(anchor.units[size_t(j)]), pos) : -1;
-        next[size_t(j)] = at < 0 || at > hi ? n : at;
-    };
-    for (int j = 0; j < anchor.kinds; ++j)
-        seek(j, lo);
-    while (true) {
-        const qsizetype a = *std::min_element(next.begin(), next.begin() + anchor.kinds);
-        if (a >= n)
+    const qsizetype n = text.size();
+    qsizetype at = byteOffsetOf(text, from);
+    qsizetype units = utf16Length(text.first(at));
+    if (units < from) {
+        // Past the end, or inside a surrogate pair: a match can only start after that character.
+        if (at >= n)
             return -1;
-        if (matchesAt(a - anchor.offset))
-            return a - anchor.offset;
-        for (int j = 0; j < anchor.kinds; ++j)
-            if (next[size_t(j)] == a)
-                seek(j, a + 1);
+        do
+            ++at;
+        while (at < n && isContinuation(text[at]));
+        units += 2;
     }
+    const QByteArray pattern = lowerSameLength(needle);
+    if (pattern.isEmpty())
+        return from;
+    const SubstringFinder finder(pattern);
+    const LowerCaseTable& table = LowerCaseTable::instance();
+
+    // The text is lowered a piece at a time behind the last pattern.size() - 1 bytes (or a few
+    // more, back to a character's start) of the piece before, so a match across two pieces is
+    // seen. A character and its lower case count the same UTF-16 units, so the units before a
+    // match are counted on the text itself, once, when there is one.
+    constexpr qsizetype kPiece = qsizetype(1) << 16;
+    const qsizetype keepMax = pattern.size() + 3;
+    QByteArray buffer(keepMax + kPiece * 3 / 2 + 32, Qt::Uninitialized);
+    char* const buf = buffer.data();
+    const qsizetype start = at;
+    qsizetype kept = 0;
+    const auto* s = reinterpret_cast<const unsigned char*>(text.data());
+    while (at < n) {
+        qsizetype end = std::min(n, at + kPiece);
+        while (end < n && isContinuation(text[end]))
+            ++end; // whole characters only
+        const qsizetype filled = lowerInto(s + at, end - at, buf + kept, table) - buf;
+        const qsizetype hit = finder.indexIn(QByteArrayView(buf, filled));
+        if (hit >= 0) {
+            const qsizetype before = units + utf16Length(text.sliced(start, at - start));
+            return hit >= kept ? before + utf16Length(QByteArrayView(buf + kept, hit - kept))
+                               : before - utf16Length(QByteArrayView(buf + hit, kept - hit));
+        }
+        at = end;
+        qsizetype keepFrom = std::max<qsizetype>(0, filled - (pattern.size() - 1));
+        while (keepFrom > 0 && isContinuation(buf[keepFrom]))
+            --keepFrom;
+        kept = filled - keepFrom;
+        std::memmove(buf, buf + keepFrom, size_t(kept));
+    }
+    return -1;
 }
 
 } // namespace ed

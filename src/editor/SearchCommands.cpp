@@ -2,9 +2,12 @@
 
 #include "app/Trap.h"
 #include "editor/LowerCaseSearch.h"
+#include "util/ByteWriter.h"
+#include "util/SubstringFinder.h"
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <limits>
 
 namespace ed {
@@ -50,8 +53,7 @@ void findTextBody(CommandContext& ctx, QString& searchText, qint32* startPos, bo
 
     if (p < 1)
         throw RuntimeError("Invalid procedure call or argument");
-    const QString text = ctx.edit.text();
-    const qsizetype found = indexOfIgnoringCase(text, s, qsizetype(p) - 1);
+    const qsizetype found = indexOfIgnoringCase(ctx.edit.utf8(), toModelUtf8(s), qsizetype(p) - 1);
     if (found < 0) {
         ctx.form.SearchPos = 0;
         ctx.menu.setEnabled(QStringLiteral("mnuFindNext"), false);
@@ -89,15 +91,28 @@ void replaceAllBody(CommandContext& ctx) {
     }
     ctx.settings.save(kSection, kReplaceWith, with);
 
-    QString text = ctx.edit.text();
-    if (!text.contains(find, Qt::CaseSensitive)) {
+    const QByteArray text = ctx.edit.utf8();
+    const SubstringFinder finder(toModelUtf8(find));
+    qsizetype hit = finder.indexIn(text);
+    if (hit < 0) {
         ctx.dialogs.messageBox(kNotFound, defaultTitle(), Buttons::Ok, Icon::None);
         return;
     }
     if (with.toLower() == u"vbcrlf")
         with = QStringLiteral("\r\n");
-    text.replace(find, with, Qt::CaseSensitive);
-    ctx.edit.setText(text);
+    const QByteArray replacement = toModelUtf8(with);
+    // Left to right without overlap, in one pass; the untouched stretches are copied whole.
+    const qsizetype growth = std::max<qsizetype>(0, replacement.size() - finder.size());
+    ByteWriter out(text.size() + (growth ? text.size() / 8 + growth : 0));
+    qsizetype done = 0;
+    while (hit >= 0) {
+        out.append(QByteArrayView(text).sliced(done, hit - done));
+        out.append(replacement);
+        done = hit + finder.size();
+        hit = finder.indexIn(text, done);
+    }
+    out.append(QByteArrayView(text).sliced(done));
+    ctx.edit.setUtf8(std::move(out).finish());
     ctx.edit.setSelStart(caret);
     ctx.edit.setSelLength(5); // always 5, whatever was replaced
 }

@@ -3,20 +3,33 @@
 #include "util/HugePages.h"
 #include "util/Utf8.h"
 
+#include <algorithm>
+
 namespace ed {
 
 namespace {
 
 #ifdef __SSE2__
+// Per byte of 16: 0xFF where it starts a UTF-16 unit (any byte but a continuation byte), and
+// where it starts a second one (the lead of four bytes).
+inline __m128i startsUnit(__m128i v) {
+    // Continuation bytes 0x80-0xBF are -128..-65 as signed bytes.
+    return _mm_cmpgt_epi8(v, _mm_set1_epi8(-65));
+}
+inline __m128i startsPair(__m128i v) {
+    // Leads of four bytes 0xF0-0xF4 are -16..-12 (up to 0xFF counted alike).
+    return _mm_and_si128(_mm_cmpgt_epi8(v, _mm_set1_epi8(-17)),
+                         _mm_cmplt_epi8(v, _mm_setzero_si128()));
+}
+// The sum of the sixteen byte counters of `acc`.
+inline int sumBytes(__m128i acc) {
+    const __m128i s = _mm_sad_epu8(acc, _mm_setzero_si128());
+    return _mm_cvtsi128_si32(s) + _mm_cvtsi128_si32(_mm_unpackhi_epi64(s, s));
+}
 // Per 16 bytes: the UTF-16 units they start (lead bytes count one, four-byte leads two).
 inline int unitsIn16(const char* p) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    // Continuation bytes 0x80-0xBF are -128..-65 as signed bytes; leads of four 0xF0-0xF4 are
-    // -16..-12.
-    const int cont = _mm_movemask_epi8(_mm_cmplt_epi8(v, _mm_set1_epi8(-64)));
-    const int four =
-        _mm_movemask_epi8(_mm_cmpgt_epi8(v, _mm_set1_epi8(-17))) & _mm_movemask_epi8(v);
-    return 16 - __builtin_popcount(unsigned(cont)) + __builtin_popcount(unsigned(four));
+    return sumBytes(_mm_sub_epi8(_mm_sub_epi8(_mm_setzero_si128(), startsUnit(v)), startsPair(v)));
 }
 #endif
 
@@ -101,8 +114,16 @@ qsizetype utf16Length(QByteArrayView bytes) {
     qsizetype units = 0;
     qsizetype i = 0;
 #ifdef __SSE2__
-    for (; i + 16 <= n; i += 16)
-        units += unitsIn16(p + i);
+    while (i + 16 <= n) {
+        // Each byte counter grows by at most two a block: 127 blocks fit in a byte.
+        const qsizetype stop = std::min(n - 15, i + 16 * 127);
+        __m128i acc = _mm_setzero_si128();
+        for (; i < stop; i += 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+            acc = _mm_sub_epi8(_mm_sub_epi8(acc, startsUnit(v)), startsPair(v));
+        }
+        units += sumBytes(acc);
+    }
 #endif
     for (; i < n; ++i)
         units += unitsOf((unsigned char)p[i]);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <string>
 
 using namespace ed;
 using namespace ed::test;
@@ -121,32 +122,76 @@ TEST(FindText, QuietSearchNeverAsksOrComplains) {
     EXPECT_TRUE(h.dialogs.messages.empty());
 }
 
-// The in-place search agrees with lower-casing both texts and searching, on random texts full of
-// characters whose case differs (dotted I, sharp s, final sigma, surrogate pairs, lone halves).
+// Lower case of one character as Find compares: a character whose lower case counts other
+// UTF-16 units keeps its own, and dotted capital I is a plain i.
+QString lowerReference(const QString& text) {
+    QString out;
+    for (const char32_t c : text.toUcs4()) {
+        char32_t l = c == 0x130 ? U'i' : QChar::toLower(c);
+        if (QChar::requiresSurrogates(l) != QChar::requiresSurrogates(c))
+            l = c;
+        out += QString::fromUcs4(&l, 1);
+    }
+    return out;
+}
+
+// The search over bytes agrees with lower-casing both texts as UTF-16 and searching, on random
+// texts full of characters whose case differs (dotted I, sharp s, final sigma, Kelvin sign,
+// a capital whose lower case takes three bytes for its two, pairs of surrogates).
 TEST(IndexOfIgnoringCase, AgreesWithLowerCasingBoth) {
-    const QString alphabet =
-        QStringLiteral("aAiI\u0130\u0131\u00df\u1e9e\u03a3\u03c3\u03c2\u212a\U00010400\U00010428");
+    const QList<uint> alphabet = QStringLiteral("aAiI\u0130\u0131\u00df\u1e9e\u03a3\u03c3\u03c2"
+                                                "\u212a\u023a\u2c65\U00010400\U00010428")
+                                     .toUcs4();
     std::mt19937 rng(7);
     auto randomText = [&](int maxLen) {
-        QString s;
+        QList<uint> s;
         const int n = int(rng() % unsigned(maxLen + 1));
-        for (int i = 0; i < n; ++i) {
-            const int k = int(rng() % unsigned(alphabet.size() + 1));
-            s += k == alphabet.size() ? QChar(0xD800) : alphabet[k]; // may split pairs
-        }
-        return s;
+        for (int i = 0; i < n; ++i)
+            s << alphabet[qsizetype(rng() % unsigned(alphabet.size()))];
+        return QString::fromUcs4(reinterpret_cast<const char32_t*>(s.constData()), s.size());
     };
     for (int round = 0; round < 3000; ++round) {
         const QString text = randomText(24);
         const QString needle = randomText(3);
         if (needle.isEmpty())
             continue;
-        const qsizetype from = text.isEmpty() ? 0 : qsizetype(rng() % unsigned(text.size()));
-        const QString lt = lowerSameLength(text);
+        const qsizetype from = qsizetype(rng() % unsigned(text.size() + 2));
+        const QString lt = lowerReference(text);
         ASSERT_EQ(lt.size(), text.size());
-        EXPECT_EQ(indexOfIgnoringCase(text, needle, from),
-                  lt.indexOf(lowerSameLength(needle), from))
+        const qsizetype expected =
+            from > text.size() ? -1 : lt.indexOf(lowerReference(needle), from);
+        EXPECT_EQ(indexOfIgnoringCase(toModelUtf8(text), toModelUtf8(needle), from), expected)
             << round;
+    }
+}
+
+// The document is lowered and searched a piece at a time: a match lying across two pieces, after
+// characters of every width, must be found at its UTF-16 position.
+TEST(IndexOfIgnoringCase, FindsMatchesAcrossThePiecesOfALongText) {
+    const std::u32string filler = U"x\u00e9\u20ac\U0001F600";
+    const QString longPattern = QString(300, u'a') + u'B';
+    struct Case {
+        QString needleInText, needle;
+    } cases[] = {
+        {QStringLiteral("\u0130STANBUL"), QStringLiteral("istanbul")},
+        {QStringLiteral("STRA\u00dfE"), QStringLiteral("stra\u00dfe")},
+        {longPattern, longPattern.toLower()},
+    };
+    for (const Case& c : cases) {
+        // The first piece ends 65536 bytes after the start (3 units, 6 bytes, in).
+        for (qsizetype bytes = 65120; bytes < 65160; bytes += 3) {
+            QString prefix;
+            for (qsizetype size = 0, k = 0; size < bytes; ++k) {
+                const char32_t c1 = filler[k % filler.size()];
+                prefix += QString::fromUcs4(&c1, 1);
+                size += c1 < 0x80 ? 1 : c1 < 0x800 ? 2 : c1 < 0x10000 ? 3 : 4;
+            }
+            const QString text = prefix + QString(400, u'a') + c.needleInText + u'x';
+            const qsizetype at = prefix.size() + 400;
+            EXPECT_EQ(indexOfIgnoringCase(toModelUtf8(text), toModelUtf8(c.needle), 3), at)
+                << bytes;
+            EXPECT_EQ(indexOfIgnoringCase(toModelUtf8(text), toModelUtf8(c.needle), at + 1), -1);
+        }
     }
 }
 
@@ -174,6 +219,9 @@ TEST(Replace, ReplacesExactlyAndSelectsFive) {
         {"a-b", 0, 0, "-", Answer::No, "a-b", 0, 0, emptyDash, unset},
         {"a-b-", 2, 0, "-", Answer::Yes, "ab", 2, 0, emptyDash, ""},
         {"abc", 1, 0, "", Answer::No, "abc", 1, 0, "", unset}, // cancelled
+        {QStringLiteral("\U0001F600stra\u00dfe Stra\u00dfe"), 0, 0,
+         QStringLiteral("a\u00dfe|\u00e4"), Answer::No,
+         QStringLiteral("\U0001F600str\u00e4 Str\u00e4"), 0, 5, "", QStringLiteral("\u00e4")},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text.toStdString() + " / " + c.answers.toStdString());
