@@ -1,7 +1,6 @@
 #include "textcmds/Utf8Commands.h"
 
 #include "textcmds/Case.h"
-#include "textcmds/LineFilters.h"
 #include "textcmds/PrefixSuffix.h"
 #include "textcmds/Whitespace.h"
 
@@ -15,11 +14,8 @@ const Utf8Command* findUtf8Command(Handler handler) {
         {mnuConvertToLowerCase_Click, {mnuConvertToLowerCase_Utf8, false}},
         {mnuRemoveAllSpaces_Click, {mnuRemoveAllSpaces_Utf8, false}},
         {mnuTrimLeadingAndTrailingSpaces_Click, {mnuTrimLeadingAndTrailingSpaces_Utf8, true}},
-        {mnuByNumericValue_Click, {mnuByNumericValue_Utf8, true}},
         {mnuAddPrefix_Click, {mnuAddPrefix_Utf8, true}},
         {mnuAddSuffix_Click, {mnuAddSuffix_Utf8, true}},
-        {mnuRemoveLinesContainingText_Click, {mnuRemoveLinesContainingText_Utf8, true}},
-        {mnuRemoveLinesNotContainingText_Click, {mnuRemoveLinesNotContainingText_Utf8, true}},
     };
     if (!handler)
         return nullptr;

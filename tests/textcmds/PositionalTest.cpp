@@ -64,7 +64,13 @@ INSTANTIATE_TEST_SUITE_P(
         PosCase{CR, "abcd\r\nab", "/3/a", "abc\r\nd\r\n"},
         // A character outside the BMP is never split in two.
         PosCase{CR, "x😀y", "😀", "x😀\r\ny\r\n"}, PosCase{CR, "😀😀y", "/1/a", "😀\r\n😀y\r\n"},
-        PosCase{CR, "x😀y😀z", "😀/2/b", "x😀y\r\n😀z\r\n"}));
+        PosCase{CR, "x😀y😀z", "😀/2/b", "x😀y\r\n😀z\r\n"},
+        // Characters whose lower case takes fewer or more bytes (Kelvin sign, capital A with
+        // stroke) before and inside the marker: the cut stays at the right character.
+        PosCase{CR, "\u212A\r\nab\u023A,c\r\n\u212Ax,y", ",",
+                "ab\u023A,\r\nc\r\n\u212Ax,\r\ny\r\n"},
+        PosCase{CR, "\u212A,\u212A,x", "k/2/a", "\u212A,\u212A\r\n,x\r\n"},
+        PosCase{CR, "\u023A\u212A,\u212A,x", ",/2/b", "\u023A\u212A,\u212A\r\n,x\r\n"}));
 
 INSTANTIATE_TEST_SUITE_P(
     InsertTextAt, PositionalTest,
@@ -87,7 +93,9 @@ INSTANTIATE_TEST_SUITE_P(
                       PosCase{LS, "xa/by", "a/b", "y\r\n"}, PosCase{LS, "a=b=c", "=", "b=c\r\n"},
                       PosCase{RS, "abzzcd", "ZZ", "ab\r\n"},
                       PosCase{RS, "key = value\r\nplain ", "=", "key\r\nplain \r\n"},
-                      PosCase{RS, "😀a😀", "a", "😀\r\n"}));
+                      PosCase{RS, "😀a😀", "a", "😀\r\n"},
+                      PosCase{LS, "a\u212A b\r\nc", "k", "b\r\nc\r\n"},
+                      PosCase{RS, "\u023Aa \u212AK b", "kk", "\u023Aa\r\n"}));
 
 TEST(PositionalPrompt, SharesTheRememberedMarker) {
     struct Row {
@@ -180,24 +188,6 @@ TEST(PositionalErrors, OccurrenceAtTheEdgesOfTheRange) {
     EXPECT_THROW(occurrenceNumber(""), RuntimeError);
     EXPECT_THROW(occurrenceNumber("inf"), RuntimeError);
     EXPECT_THROW(occurrenceNumber("2147483647.6"), RuntimeError);
-}
-
-// A 5 MB line of one repeated letter is the worst case for overlapping counting: a search that
-// started again after every find would look at the same characters over and over.
-TEST(MarkerSearch, LongLinesStayLinear) {
-    const QString line(5 * 1024 * 1024, u'a');
-    MarkerSearch many(QString(1000, u'a'));
-    EXPECT_EQ(many.nth(line, 2147483647), -1);
-    EXPECT_EQ(many.nth(line, 3000000), 2999999);
-    MarkerSearch almost(QString(999, u'a') + u'b');
-    EXPECT_EQ(almost.nth(line, 1), -1);
-    MarkerSearch longer(QString(line.size() + 1, u'a'));
-    EXPECT_EQ(longer.nth(line, 1), -1);
-
-    Harness h(line + QStringLiteral("\r\n") + line);
-    h.dialogs.answers.push_back(QStringLiteral("aaa/4000000/a"));
-    h.run(CR);
-    EXPECT_EQ(h.edit.text().size(), 2 * line.size() + 8);
 }
 
 } // namespace
