@@ -24,25 +24,6 @@ QStringList quadraticReference(const QStringList& lines) {
     return out.isEmpty() ? QStringList{QString()} : out;
 }
 
-TEST(RemoveRepeats, KeepsFirstOccurrencesAndDropsEmptyLines) {
-    struct Case {
-        QStringList in, out;
-    };
-    const std::vector<Case> cases = {
-        {{"b", "a", "b", "A", "", "a"}, {"b", "a", "A"}},
-        {{"", "", ""}, {""}},
-        {{}, {""}},
-        {{"x"}, {"x"}},
-        {{"a", "a "}, {"a", "a "}},
-        {{"é", "e\u0301", "é"}, {"é", "e\u0301"}}, // no normalisation
-    };
-    RecordingLogger log;
-    Utility util(log);
-    for (const Case& c : cases)
-        EXPECT_EQ(util.RemoveRepeatsFromArray(c.in), c.out) << c.in.join(u'|').toStdString();
-    EXPECT_TRUE(log.errors.empty());
-}
-
 TEST(RemoveRepeats, ArrayAndTextMatchTheQuadraticProcedure) {
     // Few distinct short lines from a small alphabet, so that repeats, empty lines and lines
     // that share a prefix or differ in one character are all frequent; lone CR and LF make
