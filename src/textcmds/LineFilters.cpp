@@ -3,12 +3,8 @@
 #include "app/Trap.h"
 #include "textcmds/Framework.h"
 #include "textcmds/LineFiltersSupport.h"
-#include "textcmds/Utf8Transforms.h"
+#include "textcmds/LineHits.h"
 #include "util/Utility.h"
-
-#include <QStringMatcher>
-
-#include <vector>
 
 namespace ed {
 
@@ -16,39 +12,41 @@ namespace {
 
 const QString kSwitchAtTextKey = QStringLiteral("Previous Switch At Text");
 const QString kContainsTitle = QStringLiteral("Type text lines must contain");
+constexpr QByteArrayView kBreak("\r\n");
 
-// Keeps the lines whose lower-cased form contains the lower-cased `answer` exactly when
-// `keepContaining` is set.
-void filterByText(CommandContext& ctx, const QString& answer, bool keepContaining) {
-    const QString pattern = answer.toLower();
-    const QStringMatcher matcher(pattern, Qt::CaseSensitive);
-    LowerCaser lower;
-    const QString text = ctx.edit.text();
-    LineWriter out(text.size() + 2);
-    if (pattern.isEmpty() || pattern.contains(u'\r') || pattern.contains(u'\n')) {
-        // Every line contains the empty text; a line break in the text never lies in one line.
-        forEachCrLfLine(text, [&](QStringView line) {
-            if ((matcher.indexIn(lower(line)) >= 0) == keepContaining)
-                out.add(line);
-        });
-    } else {
-        forEachLineRun(text, matcher, lower, [&](QStringView run, bool matched) {
-            if (matched == keepContaining)
-                out.add(run);
-        });
+// The lines of `text` whose lower case contains the lower-cased `answer` when `keepContaining`
+// is set, else the others, each followed by CR LF. Runs of kept lines are copied in one piece.
+QByteArray filterByText(QByteArrayView text, const QString& answer, bool keepContaining) {
+    const ByteSearch search(toModelUtf8(answer.toLower()));
+    Utf8Lowering lowering(Utf8Lowering::Mapping::Full);
+    LineHits hits(text, search, &lowering);
+    ByteWriter out(text.size() + kBreak.size());
+    const qsizetype n = text.size();
+    qsizetype runStart = 0, runEnd = -1; // the kept lines not written yet
+    LineHit hit;
+    while (hits.next(hit)) {
+        if (!keepContaining) {
+            out.append(text.sliced(runStart, hit.start - runStart));
+            runStart = hit.end + kBreak.size();
+        } else if (runEnd >= 0 && hit.start == runEnd + kBreak.size()) {
+            runEnd = hit.end;
+        } else {
+            if (runEnd >= 0) {
+                out.append(text.sliced(runStart, runEnd - runStart));
+                out.append(kBreak);
+            }
+            runStart = hit.start;
+            runEnd = hit.end;
+        }
     }
-    ctx.edit.setText(std::move(out).finish());
-}
-
-// Whether a line whose value is `v` stays, for the operator `op` and the number `n`.
-bool keepsValue(QChar op, qint32 v, qint32 n) {
-    if (op == u'<')
-        return v > n;
-    if (op == u'>')
-        return v < n;
-    if (op == u'=')
-        return v == n;
-    return false;
+    if (!keepContaining)
+        runEnd = n;
+    // The last run; the last piece of the text gets a break too.
+    if (runEnd >= 0 && runStart <= n) {
+        out.append(text.sliced(runStart, runEnd - runStart));
+        out.append(kBreak);
+    }
+    return std::move(out).finish();
 }
 
 std::optional<QString> askContaining(CommandContext& ctx) {
@@ -61,37 +59,23 @@ std::optional<QString> askNotContaining(CommandContext& ctx) {
                             kContainsTitle, kSwitchAtTextKey);
 }
 
-} // namespace
-
-void mnuRemoveLinesContainingText_Click(CommandContext& ctx) {
-    if (const auto answer = askContaining(ctx))
-        filterByText(ctx, *answer, false);
-}
-
-void mnuRemoveLinesNotContainingText_Click(CommandContext& ctx) {
-    if (const auto answer = askNotContaining(ctx))
-        filterByText(ctx, *answer, true);
-}
-
-void mnuRemoveLinesContainingText_Utf8(CommandContext& ctx, Utf8Document& doc) {
-    if (const auto answer = askContaining(ctx))
-        doc.setText(filterLinesUtf8(doc, *answer, false));
-}
-
-void mnuRemoveLinesNotContainingText_Utf8(CommandContext& ctx, Utf8Document& doc) {
-    if (const auto answer = askNotContaining(ctx))
-        doc.setText(filterLinesUtf8(doc, *answer, true));
-}
-
-namespace {
-
 // The comparison asked for: an operator and a number.
 struct NumericFilter {
     QChar op;
     qint32 n;
 
     // Whether a line whose value is `v` (nothing: not a number) stays.
-    bool keeps(std::optional<qint32> v) const { return !v || keepsValue(op, *v, n); }
+    bool keeps(std::optional<qint32> v) const {
+        if (!v)
+            return true;
+        if (op == u'<')
+            return *v > n;
+        if (op == u'>')
+            return *v < n;
+        if (op == u'=')
+            return *v == n;
+        return false;
+    }
 };
 
 // Asks for the comparison; nothing when the command should end silently.
@@ -105,7 +89,7 @@ std::optional<NumericFilter> askNumericFilter(CommandContext& ctx) {
     if (answer.isEmpty())
         return std::nullopt;
     const QChar op = answer[0];
-    const QStringView numberPart = QStringView(answer).mid(1);
+    const QByteArray numberPart = toModelUtf8(QStringView(answer).mid(1));
     // Only the form is tested here; an overflow shows up in the conversion below, after saving.
     bool numeric = true;
     try {
@@ -120,40 +104,44 @@ std::optional<NumericFilter> askNumericFilter(CommandContext& ctx) {
 
 } // namespace
 
+void mnuRemoveLinesContainingText_Click(CommandContext& ctx) {
+    if (const auto answer = askContaining(ctx))
+        ctx.edit.setUtf8(filterByText(ctx.edit.utf8(), *answer, false));
+}
+
+void mnuRemoveLinesNotContainingText_Click(CommandContext& ctx) {
+    if (const auto answer = askNotContaining(ctx))
+        ctx.edit.setUtf8(filterByText(ctx.edit.utf8(), *answer, true));
+}
+
 void mnuByNumericValue_Click(CommandContext& ctx) {
     const auto filter = askNumericFilter(ctx);
     if (!filter)
         return;
-    const QString text = ctx.edit.text();
-    LineWriter out(text.size() + 2);
-    forEachCrLfLine(text, [&](QStringView line) {
+    const QByteArray text = ctx.edit.utf8();
+    ByteWriter out(text.size() + kBreak.size());
+    qsizetype runStart = 0; // the first line not yet written or dropped
+    forEachModelLine(text, [&](QByteArrayView line) {
         if (filter->keeps(roundedInt32(line)))
-            out.add(line);
+            return;
+        const qsizetype start = line.data() - text.constData();
+        out.append(QByteArrayView(text).sliced(runStart, start - runStart));
+        runStart = start + line.size() + kBreak.size();
     });
-    ctx.edit.setText(std::move(out).finish());
-}
-
-void mnuByNumericValue_Utf8(CommandContext& ctx, Utf8Document& doc) {
-    if (const auto filter = askNumericFilter(ctx))
-        doc.setText(keepLinesUtf8(
-            doc, [&](QByteArrayView line) { return filter->keeps(roundedInt32(line)); }));
+    // The lines after the last one dropped; the last piece of the text gets a break too.
+    if (runStart <= text.size()) {
+        out.append(QByteArrayView(text).sliced(runStart));
+        out.append(kBreak);
+    }
+    ctx.edit.setUtf8(std::move(out).finish());
 }
 
 void mnuRemoveRepeats_Click(CommandContext& ctx) {
-    const QString text = ctx.edit.text();
-    std::vector<QStringView> lines = splitCrLfLines(text);
     Utility util(ctx.log);
-    const std::vector<QStringView> kept = util.RemoveRepeatsFromViews(lines);
-    if (kept.empty()) // the utility failed and logged it: there is no array to write out
+    std::optional<QByteArray> kept = util.RemoveRepeatsFromLines(ctx.edit.utf8());
+    if (!kept) // the utility failed and logged it: there is no array to write out
         throw RuntimeError("Subscript out of range");
-    lines = {};
-    qsizetype total = 0;
-    for (QStringView l : kept)
-        total += l.size() + 2;
-    LineWriter out(total);
-    for (QStringView l : kept)
-        out.add(l);
-    ctx.edit.setText(std::move(out).finish());
+    ctx.edit.setUtf8(*std::move(kept));
 }
 
 } // namespace ed

@@ -1,18 +1,11 @@
 #pragma once
-// The building blocks of the line filters: reading numbers, lower-casing lines without an
-// allocation per line, and scanning and writing whole documents of lines quickly.
+// The building blocks of the line filters: reading a line as a number, and the CR LF split of
+// decoded text that the commands still working on QString share.
 
-#include "util/HugePages.h"
-
-#include <QString>
-#include <QStringMatcher>
+#include <QByteArrayView>
 #include <QStringView>
 
-#include <bitset>
-#include <cstring>
-#include <functional>
 #include <optional>
-#include <vector>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -22,30 +15,9 @@ namespace ed {
 
 // The value of a number written as optional spaces, an optional sign, digits with an optional
 // decimal fraction (".5" and "5." count) and optional spaces, rounded to the nearest 32-bit
-// integer with a half going to the even neighbour. Nothing when `s` is not such a number;
+// integer with a half going to the even neighbour. Nothing when `s` (UTF-8) is not such a number;
 // throws RuntimeError("Overflow") when the rounded value does not fit.
-std::optional<qint32> roundedInt32(QStringView s);
-// The same for a line of UTF-8 (the number is ASCII alone, so it reads the same).
 std::optional<qint32> roundedInt32(QByteArrayView s);
-
-// Lower-cases text exactly as QString::toLower does, into one buffer reused from call to call.
-// The view returned stays valid until the next call.
-class LowerCaser {
-public:
-    QStringView operator()(QStringView s);
-    // Lower-cases `s` into `out` (room for s.size() units) one character for one, as
-    // QString::toLower does; false (and `out` partly written) when a character of `s` needs the
-    // full conversion: half of a surrogate pair, or one that lowers into more than one.
-    bool lowerInto(QStringView s, char16_t* out);
-    // True when QString::toLower turns `c` into something other than QChar::toLower(c) gives
-    // (one character into two); worked out once per character met.
-    bool lowersDifferently(char16_t c);
-
-private:
-    QString buffer_;
-    std::bitset<65536> checked_;
-    std::bitset<65536> different_;
-};
 
 // Calls f(line) for every piece of `text` split at CR LF, the last (possibly empty) one
 // included, exactly as forEachLine does, eight characters at a time.
@@ -77,36 +49,5 @@ template <class F> void forEachCrLfLine(QStringView text, F&& f) {
             atLf(i);
     f(QStringView(p + start, n - start));
 }
-
-std::vector<QStringView> splitCrLfLines(QStringView text);
-
-// Splits `text` at CR LF as forEachCrLfLine does and calls f(run, matched) for stretches of
-// whole lines in order: `run` is one or more lines joined by their CR LF (the last line's break
-// left out) that all do (matched) or all do not contain `matcher`'s pattern once lower-cased by
-// `lower`. The pattern must be lower-case, not empty and free of CR and LF. The text is
-// lower-cased and searched a block of lines at a time, so a line costs nothing of its own
-// unless the pattern is found in it.
-void forEachLineRun(QStringView text, const QStringMatcher& matcher, LowerCaser& lower,
-                    const std::function<void(QStringView run, bool matched)>& f);
-
-// Collects output lines, each followed by CR LF, in one buffer allocated up front. A filter of
-// a text never writes more than the text and one line break: text.size() + 2.
-class LineWriter {
-public:
-    explicit LineWriter(qsizetype capacity);
-    void add(QStringView line) {
-        Q_ASSERT(end_ - next_ >= line.size() + 2);
-        std::memcpy(next_, line.utf16(), size_t(line.size()) * sizeof(char16_t));
-        next_ += line.size();
-        *next_++ = u'\r';
-        *next_++ = u'\n';
-    }
-    QString finish() &&;
-
-private:
-    QString out_;
-    char16_t* next_;
-    char16_t* end_;
-};
 
 } // namespace ed

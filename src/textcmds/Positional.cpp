@@ -1,8 +1,8 @@
 #include "textcmds/Positional.h"
 
 #include "app/Trap.h"
-#include "textcmds/Case.h"
 #include "textcmds/Framework.h"
+#include "textcmds/LineHits.h"
 #include "util/Utility.h"
 
 #include <QLocale>
@@ -17,77 +17,106 @@ namespace {
 
 const QString kKey = QStringLiteral("Previous Switch At Text");
 const QString kSlash = QStringLiteral("/");
+constexpr QByteArrayView kBreak("\r\n");
 
-// Where a line is cut: never between the two halves of a character outside the Basic
-// Multilingual Plane (such a character stays whole on the first side).
-qsizetype cutAt(QStringView line, qsizetype cut) {
-    if (cut > 0 && cut < line.size() && line[cut - 1].isHighSurrogate() &&
-        line[cut].isLowSurrogate())
-        ++cut;
-    return cut;
+// The byte length of the UTF-8 sequence that starts with `lead`.
+qsizetype sequenceLength(char lead) {
+    const auto c = uchar(lead);
+    return c < 0xC0 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
 }
+
+// The byte offset of `chars` characters into `s` from `at`.
+qsizetype skipChars(QByteArrayView s, qsizetype at, qsizetype chars) {
+    for (; chars > 0 && at < s.size(); --chars)
+        at += sequenceLength(s[at]);
+    return at;
+}
+
+qsizetype countChars(QByteArrayView s) {
+    return std::count_if(s.begin(), s.end(), [](char c) { return (uchar(c) & 0xC0) != 0x80; });
+}
+
+// The byte offset where the UTF-16 position `units` falls in `line`, a position inside a
+// character of two units taken to its end; -1 when the line is shorter.
+qsizetype offsetOfUnits(QByteArrayView line, qint64 units) {
+    qsizetype at = 0;
+    for (qint64 u = 0; u < units;) {
+        if (at >= line.size())
+            return -1;
+        const qsizetype len = sequenceLength(line[at]);
+        u += len == 4 ? 2 : 1;
+        at += len;
+    }
+    return at;
+}
+
+// The marker of a positional edit, found in lines or whole texts.
+class Marker {
+public:
+    explicit Marker(QStringView marker) : lowering_(Utf8Lowering::Mapping::Simple) {
+        const QByteArray bytes = toModelUtf8(marker);
+        const QByteArray lower = lowering_(bytes).toByteArray();
+        search_.emplace(lower);
+        chars_ = countChars(lower);
+        // Only letters have a lower case other than themselves: a marker of ASCII characters
+        // other than letters is looked for in the lines as they stand.
+        lowerLines_ = std::any_of(lower.begin(), lower.end(), [](char c) {
+            return uchar(c) >= 0x80 || (c >= 'a' && c <= 'z');
+        });
+    }
+
+    // Calls f(start, end, at) for every line [start, end) of `text` that holds an n-th
+    // occurrence of the marker (n >= 1), in order, with `at` where that occurrence starts; all
+    // offsets into the text.
+    template <class F> void forEachHit(QByteArrayView text, qint64 n, F&& f) {
+        if (n == 1 && chars_ > 0) {
+            // The first occurrence: whole blocks searched at once.
+            LineHits hits(text, *search_, lowerLines_ ? &lowering_ : nullptr);
+            LineHit hit;
+            while (hits.next(hit))
+                f(hit.start, hit.end, hit.at);
+            return;
+        }
+        forEachModelLine(text, [&](QByteArrayView line) {
+            const qsizetype at = nth(line, n);
+            if (at >= 0) {
+                const qsizetype start = line.data() - text.data();
+                f(start, start + line.size(), start + at);
+            }
+        });
+    }
+
+    // Where `line` is cut for its occurrence at `at`: before it, or after its first character.
+    qsizetype cut(QByteArrayView line, qsizetype at, qint64 n, bool after) const {
+        if (chars_ == 0) // the n-th character, whole
+            return offsetOfUnits(line, after ? n : n - 1);
+        return after ? at + sequenceLength(line[at]) : at;
+    }
+
+    // The bytes the occurrence at `at` in `line` takes: as many characters as the marker has.
+    qsizetype lengthAt(QByteArrayView line, qsizetype at) const {
+        return skipChars(line, at, chars_) - at;
+    }
+
+private:
+    // The offset in `line` of the marker's n-th occurrence, or -1.
+    qsizetype nth(QByteArrayView line, qint64 n) {
+        if (chars_ == 0)
+            return offsetOfUnits(line, n) >= 0 ? offsetOfUnits(line, n - 1) : -1;
+        const QByteArrayView low = lowerLines_ ? lowering_(line) : line;
+        const qsizetype at = search_->nth(low, n);
+        if (at < 0 || !lowerLines_ || lowering_.keptLengths())
+            return at;
+        return skipChars(line, 0, countChars(low.first(at)));
+    }
+
+    Utf8Lowering lowering_;
+    std::optional<ByteSearch> search_;
+    qsizetype chars_ = 0;
+    bool lowerLines_ = true;
+};
 
 } // namespace
-
-MarkerSearch::MarkerSearch(QStringView marker) {
-    lowerSameLength(marker, marker_);
-    lowerLines_ = std::any_of(marker_.cbegin(), marker_.cend(), [](QChar c) {
-        return c.unicode() >= 0x80 || (c.unicode() >= u'a' && c.unicode() <= u'z');
-    });
-    const qsizetype m = marker_.size();
-    border_.assign(size_t(m), 0);
-    for (qsizetype i = 1, k = 0; i < m; ++i) {
-        while (k > 0 && marker_[i] != marker_[k])
-            k = border_[size_t(k - 1)];
-        if (marker_[i] == marker_[k])
-            ++k;
-        border_[size_t(i)] = k;
-    }
-}
-
-qsizetype MarkerSearch::nth(QStringView line, qint64 n) {
-    const qsizetype m = marker_.size();
-    if (n < 1)
-        return -1;
-    if (m == 0)
-        return n <= line.size() ? qsizetype(n - 1) : -1;
-    if (m > line.size())
-        return -1;
-    if (lowerLines_)
-        lowerSameLength(line, lowerLine_);
-    const QStringView t = lowerLines_ ? QStringView(lowerLine_) : line;
-    const QChar first = marker_[0];
-    if (m == 1) {
-        qsizetype p = -1;
-        for (qint64 found = 0; found < n; ++found) {
-            p = t.indexOf(first, p + 1);
-            if (p < 0)
-                return -1;
-        }
-        return p;
-    }
-    // Knuth-Morris-Pratt: every character of the line is looked at a bounded number of times.
-    // While nothing is matched, jump straight to the next candidate first character.
-    qint64 found = 0;
-    qsizetype k = 0;
-    for (qsizetype i = 0; i < t.size(); ++i) {
-        if (k == 0) {
-            i = t.indexOf(first, i);
-            if (i < 0)
-                return -1;
-        }
-        while (k > 0 && t[i] != marker_[k])
-            k = border_[size_t(k - 1)];
-        if (t[i] == marker_[k])
-            ++k;
-        if (k == m) {
-            if (++found == n)
-                return i - m + 1;
-            k = border_[size_t(k - 1)];
-        }
-    }
-    return -1;
-}
 
 qint32 occurrenceNumber(const QString& field) {
     const QString s = field.trimmed();
@@ -104,6 +133,29 @@ qint32 occurrenceNumber(const QString& field) {
                                .toStdString());
     return qint32(v);
 }
+
+namespace {
+
+// The lines of `text` that hold an n-th occurrence of `marker`, each cut there in two with
+// `between` put in: part, between, rest. Lines without one are left out.
+QByteArray splitLines(QByteArrayView text, QStringView marker, qint64 n, QByteArrayView between,
+                      bool after) {
+    Marker search(marker);
+    // Room for a line break more in every line; an insert makes it grow as lines are found.
+    ByteWriter out(between == kBreak ? text.size() + 2 * countModelLines(text) + 2
+                                     : text.size() + kBreak.size());
+    search.forEachHit(text, n, [&](qsizetype start, qsizetype end, qsizetype at) {
+        const QByteArrayView line = text.sliced(start, end - start);
+        const qsizetype cut = search.cut(line, at - start, n, after);
+        out.append(line.first(cut));
+        out.append(between);
+        out.append(line.sliced(cut));
+        out.append(kBreak);
+    });
+    return std::move(out).finish();
+}
+
+} // namespace
 
 void mnuInsertCRAt_Click(CommandContext& ctx) {
     const auto answer = promptRemembered(
@@ -126,19 +178,8 @@ void mnuInsertCRAt_Click(CommandContext& ctx) {
     } else {
         marker = answer->section(u'/', 0, 0);
     }
-    MarkerSearch search(marker);
-    const QString text = ctx.edit.text();
     // Lines without the marker (or with fewer than n occurrences) are left out.
-    ctx.edit.setText(mapLines(
-        text,
-        [&](QStringView line, QString& out) {
-            const qsizetype p = search.nth(line, n < 1 ? 1 : n);
-            if (p < 0)
-                return;
-            const qsizetype cut = cutAt(line, after ? p + 1 : p);
-            out.append(line.left(cut)).append(kCrLf).append(line.mid(cut)).append(kCrLf);
-        },
-        2 * countLines(text)));
+    ctx.edit.setUtf8(splitLines(ctx.edit.utf8(), marker, n < 1 ? 1 : n, kBreak, after));
 }
 
 void mnuInsertTextAt_Click(CommandContext& ctx) {
@@ -156,22 +197,13 @@ void mnuInsertTextAt_Click(CommandContext& ctx) {
     }
     const QStringList fields = answer->split(u'/');
     const qint32 n = occurrenceNumber(fields[1]);
-    const QString& insert = fields[2];
     const bool after = fields[3] == u"a";
-    MarkerSearch search(fields[0]);
-    const QString text = ctx.edit.text();
     // No line holds a 0th occurrence, so n < 1 leaves nothing.
-    const qsizetype lines = n < 1 ? 0 : countLines(text);
-    ctx.edit.setText(mapLines(
-        text,
-        [&](QStringView line, QString& out) {
-            const qsizetype p = search.nth(line, n);
-            if (p < 0)
-                return;
-            const qsizetype cut = cutAt(line, after ? p + 1 : p);
-            out.append(line.left(cut)).append(insert).append(line.mid(cut)).append(kCrLf);
-        },
-        lines * (insert.size() + 2)));
+    if (n < 1) {
+        ctx.edit.setUtf8(QByteArray(""));
+        return;
+    }
+    ctx.edit.setUtf8(splitLines(ctx.edit.utf8(), fields[0], n, toModelUtf8(fields[2]), after));
 }
 
 namespace {
@@ -185,18 +217,26 @@ void truncateLines(CommandContext& ctx, const QString& prompt, Keep keep) {
         promptRemembered(ctx, prompt, QStringLiteral("Enter character to truncate at"), kKey);
     if (!answer)
         return;
-    MarkerSearch search(*answer);
-    const QString text = ctx.edit.text();
-    ctx.edit.setText(mapLines(text, [&](QStringView line, QString& out) {
-        const qsizetype p = search.nth(line, 1);
-        if (p < 0)
-            out.append(line);
-        else if (keep == Keep::Right)
-            out.append(trimSpaces(line.mid(p + search.markerLength())));
-        else
-            out.append(trimSpaces(line.left(p)));
-        out.append(kCrLf);
-    }));
+    Marker search(*answer);
+    const QByteArray text = ctx.edit.utf8();
+    const QByteArrayView all(text);
+    ByteWriter out(text.size() + kBreak.size());
+    qsizetype runStart = 0; // the lines not written yet that stay as they are
+    search.forEachHit(all, 1, [&](qsizetype start, qsizetype end, qsizetype at) {
+        out.append(all.sliced(runStart, start - runStart));
+        const QByteArrayView line = all.sliced(start, end - start);
+        const qsizetype p = at - start;
+        out.append(trimSpaces(keep == Keep::Right ? line.sliced(p + search.lengthAt(line, p))
+                                                  : line.first(p)));
+        out.append(kBreak);
+        runStart = end + kBreak.size();
+    });
+    // The lines after the last one cut; the last piece of the text gets a break too.
+    if (runStart <= all.size()) {
+        out.append(all.sliced(runStart));
+        out.append(kBreak);
+    }
+    ctx.edit.setUtf8(std::move(out).finish());
 }
 
 } // namespace

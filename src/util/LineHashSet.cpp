@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <new>
 #include <stdexcept>
 
@@ -12,10 +11,10 @@
 
 namespace ed {
 
-uint64_t hashChars(const char16_t* p, qsizetype n) {
+uint64_t hashBytes(const char* p, qsizetype n) {
     // 64-bit FNV-1a variant over 8-byte words, mixed at the end.
     const auto* b = reinterpret_cast<const unsigned char*>(p);
-    size_t bytes = size_t(n) * 2;
+    auto bytes = size_t(n);
     uint64_t h = 0x9E3779B97F4A7C15ULL ^ bytes;
     while (bytes >= 8) {
         uint64_t w;
@@ -36,10 +35,10 @@ uint64_t hashChars(const char16_t* p, qsizetype n) {
 }
 
 namespace {
-// Every line of a document may be distinct; the table stays at most half full.
-size_t capacityFor(size_t expected) {
+// At most two thirds of the slots are ever used.
+size_t capacityFor(qsizetype lines) {
     size_t cap = 16;
-    while (cap < expected * 2)
+    while (cap * 2 < size_t(lines) * 3)
         cap <<= 1;
     return cap;
 }
@@ -49,73 +48,57 @@ size_t capacityFor(size_t expected) {
 constexpr size_t kHugePage = size_t(2) << 20;
 
 LineHashSet::Slots LineHashSet::allocate(size_t capacity) {
-    const size_t bytes = (capacity * sizeof(Slot) + kHugePage - 1) / kHugePage * kHugePage;
+    const size_t bytes = (capacity * sizeof(uint64_t) + kHugePage - 1) / kHugePage * kHugePage;
     void* p = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (p == MAP_FAILED)
         throw std::bad_alloc();
     madvise(p, bytes, MADV_HUGEPAGE); // a hint; ordinary pages do too
-    return Slots(static_cast<Slot*>(p), SlotsDeleter{bytes});
+    return Slots(static_cast<uint64_t*>(p), SlotsDeleter{bytes});
 }
 
-void LineHashSet::SlotsDeleter::operator()(Slot* p) const {
+void LineHashSet::SlotsDeleter::operator()(uint64_t* p) const {
     munmap(p, bytes);
 }
 #else
 LineHashSet::Slots LineHashSet::allocate(size_t capacity) {
-    void* p = std::calloc(capacity, sizeof(Slot));
+    void* p = std::calloc(capacity, sizeof(uint64_t));
     if (!p)
         throw std::bad_alloc();
-    return Slots(static_cast<Slot*>(p), SlotsDeleter{capacity * sizeof(Slot)});
+    return Slots(static_cast<uint64_t*>(p), SlotsDeleter{capacity * sizeof(uint64_t)});
 }
 
-void LineHashSet::SlotsDeleter::operator()(Slot* p) const {
+void LineHashSet::SlotsDeleter::operator()(uint64_t* p) const {
     std::free(p);
 }
 #endif
 
-LineHashSet::LineHashSet(size_t expected)
-    : slots_(allocate(capacityFor(expected))), capacity_(capacityFor(expected)),
-      mask_(capacity_ - 1) {}
-
-void LineHashSet::place(const Slot& slot, uint64_t hash) {
-    size_t i = hash & mask_;
-    while (slots_[i].data)
-        i = (i + 1) & mask_;
-    slots_[i] = slot;
+LineHashSet::LineHashSet(QByteArrayView text, qsizetype maxLines)
+    : text_(text), capacity_(capacityFor(maxLines)), mask_(capacity_ - 1),
+      room_(size_t(qMax(maxLines, qsizetype(0)))), slots_(allocate(capacity_)) {
+    if (uint64_t(text.size()) >= kOffsetMask)
+        throw std::length_error("text too long");
 }
 
-void LineHashSet::grow() {
-    Slots old = std::move(slots_);
-    const size_t oldCapacity = capacity_;
-    slots_ = allocate(oldCapacity * 2);
-    capacity_ = oldCapacity * 2;
-    mask_ = capacity_ - 1;
-    for (size_t k = 0; k < oldCapacity; ++k) {
-        const Slot& s = old[k];
-        if (s.data)
-            place(s, hashChars(s.data, s.size));
-    }
-}
-
-bool LineHashSet::insert(QStringView s, uint64_t hash) {
-    if (uint64_t(s.size()) > std::numeric_limits<uint32_t>::max())
-        throw std::length_error("line too long");
-    if ((count_ + 1) * 2 > capacity_)
-        grow();
-    static const char16_t empty = 0;
-    const char16_t* data = s.utf16() ? s.utf16() : &empty;
-    const auto size = uint32_t(s.size());
-    const auto tag = uint32_t(hash >> 32);
+bool LineHashSet::insert(qsizetype start, qsizetype size, uint64_t hash) {
+    const char* p = text_.data();
+    const qsizetype n = text_.size();
+    const uint64_t tag = tagOf(hash);
     size_t i = hash & mask_;
-    while (const char16_t* d = slots_[i].data) {
-        const Slot& slot = slots_[i];
-        if (slot.tag == tag && slot.size == size &&
-            (d == data || std::memcmp(d, data, size_t(size) * 2) == 0))
-            return false;
+    while (const uint64_t slot = slots_[i]) {
+        if ((slot >> kOffsetBits) == tag) {
+            // The line stored there is equal when it starts with this one and ends where it does.
+            const qsizetype at = qsizetype(slot & kOffsetMask) - 1;
+            const qsizetype end = at + size;
+            if (end <= n && std::memcmp(p + at, p + start, size_t(size)) == 0 &&
+                (end == n || (end + 1 < n && p[end] == '\r' && p[end + 1] == '\n')))
+                return false;
+        }
         i = (i + 1) & mask_;
     }
-    slots_[i] = Slot{data, size, tag};
-    ++count_;
+    if (room_ == 0)
+        throw std::length_error("more lines than the set was made for");
+    --room_;
+    slots_[i] = tag << kOffsetBits | uint64_t(start + 1);
     return true;
 }
 

@@ -1,28 +1,32 @@
 #pragma once
-// An open-addressing set of string views, for removing repeated lines in one pass.
+// The distinct lines of one text (model bytes, lines split at CR LF), for removing repeated lines
+// in one pass: an open-addressing table of eight-byte slots, each the offset of a line's first
+// occurrence and a part of its hash. Equal lines are told apart from merely equal hashes by
+// comparing with the text itself, so no line is copied.
 
-#include <QStringView>
+#include <QByteArrayView>
 
 #include <cstdint>
 #include <memory>
 
 namespace ed {
 
-uint64_t hashChars(const char16_t* p, qsizetype n);
+uint64_t hashBytes(const char* p, qsizetype n);
 
 class LineHashSet {
 public:
-    explicit LineHashSet(size_t expected);
+    // Room for `maxLines` lines of `text`, which must outlive the set.
+    LineHashSet(QByteArrayView text, qsizetype maxLines);
 
-    static uint64_t hashOf(QStringView s) { return hashChars(s.utf16(), s.size()); }
+    static uint64_t hashOf(QByteArrayView line) { return hashBytes(line.data(), line.size()); }
 
-    // True when `s` was not in the set yet. The set keeps the view, not a copy, so the text must
-    // outlive the set. `hash` is hashOf(s).
-    bool insert(QStringView s, uint64_t hash);
-    bool insert(QStringView s) { return insert(s, hashOf(s)); }
+    // True when the line [start, start + size) of the text (a whole line: a CR LF or the end of
+    // the text follows it) was not in the set yet. `hash` is hashOf(that line). Throws
+    // std::length_error past `maxLines` lines.
+    bool insert(qsizetype start, qsizetype size, uint64_t hash);
 
-    // Starts loading the slot that `hash` lands on; inserting many lines with the hash of a line
-    // a few places ahead prefetched hides most of the memory latency of a big table.
+    // Starts loading the slot that `hash` lands on; inserting lines with the hash of a line a few
+    // places ahead prefetched hides most of the memory latency of a big table.
     void prefetch(uint64_t hash) const {
 #if defined(__GNUC__) || defined(__clang__)
         __builtin_prefetch(&slots_[hash & mask_]);
@@ -31,41 +35,41 @@ public:
 #endif
     }
 
-    // Once the slot of `hash` has arrived: starts loading the text of the line stored there, which
-    // an insert of an equal line will compare with.
+    // Once the slot of `hash` has arrived: starts loading the line stored there, which an insert
+    // of an equal line will compare with.
     void prefetchText(uint64_t hash) const {
 #if defined(__GNUC__) || defined(__clang__)
-        const Slot& slot = slots_[hash & mask_];
-        if (slot.data && slot.tag == uint32_t(hash >> 32))
-            __builtin_prefetch(slot.data);
+        const uint64_t slot = slots_[hash & mask_];
+        if (slot && (slot >> kOffsetBits) == tagOf(hash))
+            __builtin_prefetch(text_.data() + (slot & kOffsetMask) - 1);
 #else
         (void)hash;
 #endif
     }
 
 private:
-    // 16 bytes: four slots to a cache line. `data == nullptr` marks a free slot.
-    struct Slot {
-        const char16_t* data;
-        uint32_t size;
-        uint32_t tag; // upper half of the hash
-    };
+    // A slot: the line's offset plus one in the low 40 bits (0: a free slot), the top 24 bits of
+    // the hash above them.
+    static constexpr int kOffsetBits = 40;
+    static constexpr uint64_t kOffsetMask = (uint64_t(1) << kOffsetBits) - 1;
+    static uint64_t tagOf(uint64_t hash) {
+        return hash >> kOffsetBits;
+    }
+
     // Zero-filled slots from the system; large tables get huge pages where there are any, since
     // the look-ups land on random pages.
     struct SlotsDeleter {
         size_t bytes = 0;
-        void operator()(Slot* p) const;
+        void operator()(uint64_t* p) const;
     };
-    using Slots = std::unique_ptr<Slot[], SlotsDeleter>;
+    using Slots = std::unique_ptr<uint64_t[], SlotsDeleter>;
     static Slots allocate(size_t capacity);
 
-    void grow();
-    void place(const Slot& slot, uint64_t hash);
-
+    QByteArrayView text_;
+    size_t capacity_;
+    size_t mask_;
+    size_t room_; // lines that may still be inserted
     Slots slots_;
-    size_t capacity_ = 0;
-    size_t count_ = 0;
-    size_t mask_ = 0;
 };
 
 } // namespace ed

@@ -1,8 +1,9 @@
 #include "util/Utility.h"
 
 #include "app/Trap.h"
-#include "util/HugePages.h"
+#include "util/ByteWriter.h"
 #include "util/LineHashSet.h"
+#include "util/ModelText.h"
 #include "util/TextCodec.h"
 
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
+#include <QSet>
 
 namespace ed {
 
@@ -22,7 +24,9 @@ QString lastComponent(const QString& path) {
 }
 } // namespace
 
-bool isHiddenName(const QString& path) { return lastComponent(path).startsWith(u'.'); }
+bool isHiddenName(const QString& path) {
+    return lastComponent(path).startsWith(u'.');
+}
 
 QString Utility::InStrRevGetBeginning(QString text, QString ch, bool drop) {
     return trappedValue(log_, kModule, QStringLiteral("InStrRevGetBeginning"), QString(), [&] {
@@ -122,11 +126,13 @@ void Utility::WriteTextToFile(QString fileName, QString text, bool append) {
         if (append) {
             QFile f(fileName);
             if (!f.open(QIODevice::WriteOnly | QIODevice::Append))
-                throw RuntimeError(
-                    QStringLiteral("Cannot open %1: %2").arg(fileName, f.errorString()).toStdString());
+                throw RuntimeError(QStringLiteral("Cannot open %1: %2")
+                                       .arg(fileName, f.errorString())
+                                       .toStdString());
             if (f.write(bytes) != bytes.size())
-                throw RuntimeError(
-                    QStringLiteral("Cannot write %1: %2").arg(fileName, f.errorString()).toStdString());
+                throw RuntimeError(QStringLiteral("Cannot write %1: %2")
+                                       .arg(fileName, f.errorString())
+                                       .toStdString());
             return;
         }
         QSaveFile f(fileName);
@@ -181,51 +187,80 @@ FileSpecParts Utility::GetFileSpecParts(QString path) {
                         });
 }
 
-std::vector<QStringView> Utility::RemoveRepeatsFromViews(const std::vector<QStringView>& lines) {
+std::optional<QByteArray> Utility::RemoveRepeatsFromLines(QByteArrayView text) {
     return trappedValue(
-        log_, kModule, QStringLiteral("RemoveRepeatsFromArray"), std::vector<QStringView>(), [&] {
-            std::vector<QStringView> out;
-            out.reserve(lines.size());
-            adviseHugePages(out.data(), out.capacity() * sizeof(QStringView));
-            LineHashSet seen(lines.size());
+        log_, kModule, QStringLiteral("RemoveRepeatsFromArray"), std::optional<QByteArray>(), [&] {
+            LineHashSet seen(text, countModelLines(text));
+            ByteWriter out(text.size() + 2);
+            // Kept lines that follow each other in the text are copied as one run.
+            qsizetype runStart = -1, runEnd = -1;
+            auto flush = [&] {
+                if (runStart >= 0) {
+                    out.append(text.sliced(runStart, runEnd - runStart));
+                    out.append("\r\n");
+                }
+            };
             // The hashes of the next few lines are computed ahead and their slots prefetched,
             // so that a big table costs hardly more than a small one.
-            constexpr size_t kAhead = 16;
-            uint64_t ahead[kAhead];
-            const size_t n = lines.size();
-            auto look = [&](size_t i) {
-                ahead[i % kAhead] = LineHashSet::hashOf(lines[i]);
-                seen.prefetch(ahead[i % kAhead]);
+            struct Line {
+                qsizetype start, size;
+                uint64_t hash;
             };
-            for (size_t i = 0; i < n && i < kAhead; ++i)
-                look(i);
-            for (size_t i = 0; i < n; ++i) {
-                const uint64_t hash = ahead[i % kAhead];
-                if (i + kAhead < n)
-                    look(i + kAhead);
-                if (i + kAhead / 2 < n)
-                    seen.prefetchText(ahead[(i + kAhead / 2) % kAhead]);
-                // The seen list starts out holding the empty string: empty lines never pass.
-                if (!lines[i].isEmpty() && seen.insert(lines[i], hash))
-                    out.push_back(lines[i]);
+            constexpr size_t kAhead = 16;
+            Line ahead[kAhead];
+            size_t first = 0, count = 0;
+            auto handle = [&](const Line& l) {
+                // Empty lines never pass: the seen list starts out holding the empty string.
+                if (l.size == 0 || !seen.insert(l.start, l.size, l.hash))
+                    return;
+                if (runStart >= 0 && l.start == runEnd + 2) {
+                    runEnd = l.start + l.size;
+                    return;
+                }
+                flush();
+                runStart = l.start;
+                runEnd = l.start + l.size;
+            };
+            auto takeFirst = [&] {
+                seen.prefetchText(ahead[(first + kAhead / 2) % kAhead].hash);
+                handle(ahead[first]);
+                first = (first + 1) % kAhead;
+                --count;
+            };
+            forEachModelLine(text, [&](QByteArrayView line) {
+                if (count == kAhead)
+                    takeFirst();
+                const uint64_t hash = LineHashSet::hashOf(line);
+                seen.prefetch(hash);
+                ahead[(first + count++) % kAhead] = {line.data() - text.data(), line.size(), hash};
+            });
+            for (; count > 0; --count) {
+                handle(ahead[first]);
+                first = (first + 1) % kAhead;
             }
-            if (out.empty())
-                out.push_back(QStringView(u""));
-            return out;
+            flush();
+            QByteArray result = std::move(out).finish();
+            if (result.isEmpty())
+                result = "\r\n"; // nothing kept: one empty line
+            return std::optional<QByteArray>(std::move(result));
         });
 }
 
 QStringList Utility::RemoveRepeatsFromArray(const QStringList& lines) {
-    std::vector<QStringView> views;
-    views.reserve(lines.size());
-    for (const QString& l : lines)
-        views.emplace_back(l);
-    const std::vector<QStringView> kept = RemoveRepeatsFromViews(views);
-    QStringList out;
-    out.reserve(qsizetype(kept.size()));
-    for (QStringView v : kept)
-        out.push_back(v.toString());
-    return out;
+    return trappedValue(log_, kModule, QStringLiteral("RemoveRepeatsFromArray"), QStringList(),
+                        [&] {
+                            QSet<QString> seen;
+                            QStringList out;
+                            for (const QString& line : lines) {
+                                if (line.isEmpty() || seen.contains(line))
+                                    continue;
+                                seen.insert(line);
+                                out.push_back(line);
+                            }
+                            if (out.isEmpty())
+                                out.push_back(QString());
+                            return out;
+                        });
 }
 
 } // namespace ed

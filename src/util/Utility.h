@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace ed {
 
 struct FileSpecParts {
@@ -39,8 +41,9 @@ public:
     // input that keeps nothing gives one empty string.
     QStringList RemoveRepeatsFromArray(const QStringList& lines);
 
-    // Same result on views into one text, without copying the lines.
-    std::vector<QStringView> RemoveRepeatsFromViews(const std::vector<QStringView>& lines);
+    // The same over the lines of a text (model bytes, split at CR LF): the lines kept, each
+    // followed by CR LF. Nothing when it failed (and logged why).
+    std::optional<QByteArray> RemoveRepeatsFromLines(QByteArrayView text);
 
 private:
     Logger& log_;

@@ -33,21 +33,26 @@ INSTANTIATE_TEST_SUITE_P(
         ArrayCase{"X", "",
                   "Private Const XCount As Long = -1\r\nReDim X(-1)\r\n"
                   "Private X() As String\r\n"},
+        ArrayCase{"Wörter", "ä😀\r\n\n\r\n",
+                  "Private Const WörterCount As Long = 1\r\nReDim Wörter(1)\r\n"
+                  "Private Wörter() As String\r\nWörter(0) = \"ä😀\"\r\nWörter(1) = \"\n\"\r\n"},
         // No element for the final empty line; a line of spaces is an element; quotes stay.
         ArrayCase{
             "My Arr", "say \"hi\"\r\n  \r\n",
             "Private Const My ArrCount As Long = 1\r\nReDim My Arr(1)\r\n"
             "Private My Arr() As String\r\nMy Arr(0) = \"say \"hi\"\"\r\nMy Arr(1) = \"  \"\r\n"}));
 
-TEST(CodeArray, NumbersPastTen) {
+TEST(CodeArray, NumbersCarryIntoNewDigits) {
     QString text;
-    for (int i = 0; i < 12; ++i)
+    for (int i = 0; i < 101; ++i)
         text += QStringLiteral("w%1\r\n").arg(i);
     Harness h(text);
     h.dialogs.answers.push_back("A");
     h.run("mnuCreateCodeArrayOfWordList");
-    EXPECT_TRUE(h.edit.text().startsWith("Private Const ACount As Long = 11\r\nReDim A(11)\r\n"));
-    EXPECT_TRUE(h.edit.text().endsWith("A(10) = \"w10\"\r\nA(11) = \"w11\"\r\n"));
+    const QString out = h.edit.text();
+    EXPECT_TRUE(out.startsWith("Private Const ACount As Long = 100\r\nReDim A(100)\r\n"));
+    EXPECT_TRUE(out.contains("\r\nA(9) = \"w9\"\r\nA(10) = \"w10\"\r\n"));
+    EXPECT_TRUE(out.endsWith("\r\nA(99) = \"w99\"\r\nA(100) = \"w100\"\r\n"));
 }
 
 TEST(CodeArray, OffersOnlyTheRememberedName) {

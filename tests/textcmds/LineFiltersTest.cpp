@@ -53,19 +53,25 @@ INSTANTIATE_TEST_SUITE_P(
                    "Apple\r\nAPPLESAUCE\r\n"},
         // The final empty line passes "containing" and grows the text by one line break.
         FilterCase{kContaining, "a\r\nb\r\n", "A", "b\r\n\r\n"},
-        FilterCase{kNotContaining, "a\r\nb\r\n", "a", "a\r\n"},
         FilterCase{kContaining, "", "x", "\r\n"},
         // The answer is taken as typed: its spaces count, nothing is a wildcard.
         FilterCase{kContaining, "ba\r\n a\r\nx*y\r\nxzy", " a", "ba\r\nx*y\r\nxzy\r\n"},
-        FilterCase{kNotContaining, "ba\r\nx*y\r\nxzy", "x*", "x*y\r\n"},
         // A lone LF is part of a line.
         FilterCase{kContaining, "a\nb\r\nc", "b", "c\r\n"},
         // Lower-casing follows Unicode, not just ASCII.
         FilterCase{kContaining, "STRASSE\r\nStraße\r\nÄRGER", "ärger", "STRASSE\r\nStraße\r\n"},
-        FilterCase{kContaining, "\u212A\u00C5\r\nkilo\r\nx", "k", "x\r\n"},
         FilterCase{kNotContaining, "\u212A\u00C5\r\nkilo\r\nx", "\u212A\u212B", "\u212A\u00C5\r\n"},
         FilterCase{kContaining, "\u0130stanbul\r\nistanbul", "i\u0307s", "istanbul\r\n"},
-        FilterCase{kNotContaining, "ΣΊΣΥΦΟΣ\r\nάλλο", "σίσυφοσ", "ΣΊΣΥΦΟΣ\r\n"}));
+        FilterCase{kNotContaining, "ΣΊΣΥΦΟΣ\r\nάλλο", "σίσυφοσ", "ΣΊΣΥΦΟΣ\r\n"},
+        // Lines after characters whose lower case is shorter or longer in bytes.
+        FilterCase{kNotContaining, "\u212Aelvin\r\nfoo\r\n\u023A\u0130 FOO\r\nbar\r\nx foo", "foo",
+                   "foo\r\n\u023A\u0130 FOO\r\nx foo\r\n"},
+        FilterCase{kContaining, "😀a\r\n\u212A\u212A\r\nb\r\nkk", "kk", "😀a\r\nb\r\n"},
+        // A line break of the text is never part of a line: an answer with a CR or LF matches
+        // only lone ones.
+        FilterCase{kContaining, "xa\r\nb\r\nxa\r\r\nc", "a\r", "xa\r\nb\r\nc\r\n"},
+        FilterCase{kNotContaining, "a\r\nb\r\na\nb", "\nb", "a\nb\r\n"},
+        FilterCase{kNotContaining, "a\r\nb", "a\r\nb", ""}));
 
 INSTANTIATE_TEST_SUITE_P(
     Numeric, FilterTest,
@@ -82,18 +88,13 @@ INSTANTIATE_TEST_SUITE_P(
                                  "-3\r\n- 3\r\n"},
                       FilterCase{kNumeric, "1e3\r\n1,000\r\n$5\r\n.5\r\n5.", "<0",
                                  "1e3\r\n1,000\r\n$5\r\n5.\r\n"},
-                      FilterCase{kNumeric, "5\r\n", ">10", "5\r\n\r\n"},
                       FilterCase{kNumeric, "", "=0", "\r\n"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Repeats, FilterTest,
-    ::testing::Values(FilterCase{kRepeats, "a\r\nb\r\na", nullptr, "a\r\nb\r\n"},
-                      FilterCase{kRepeats, "b\r\na\r\nb\r\nA\r\n\r\na\r\n", nullptr,
+    ::testing::Values(FilterCase{kRepeats, "b\r\na\r\nb\r\nA\r\n\r\na\r\n", nullptr,
                                  "b\r\na\r\nA\r\n"},
-                      FilterCase{kRepeats, "a \r\na\r\na \r\n", nullptr, "a \r\na\r\n"},
                       FilterCase{kRepeats, "", nullptr, "\r\n"},
-                      FilterCase{kRepeats, "\r\n\r\n", nullptr, "\r\n"},
-                      FilterCase{kRepeats, "only", nullptr, "only\r\n"},
                       // Only CR LF ends a line, also where the pair straddles a block of eight.
                       FilterCase{kRepeats, "0123456\r\n89\nabcdef\r\r\n0123456\n", nullptr,
                                  "0123456\r\n89\nabcdef\r\r\n0123456\n\r\n"},
@@ -210,33 +211,19 @@ TEST(RoundedInt32, AcceptsPlainDecimalsAndRoundsHalfToEven) {
     };
     const Case cases[] = {
         {" 42 ", 42},
-        {"\t7", 7},
-        {"+1", 1},
         {"-0.5", 0},
-        {"0.5", 0},
         {"1.5", 2},
         {"2.5", 2},
-        {"2.51", 3},
         {"2.50000", 2},
         {"2.500001", 3},
-        {"-2.5", -2},
         {"-3.5", -4},
         {".5", 0},
-        {".6", 1},
         {"5.", 5},
-        {"007", 7},
         {"", {}},
-        {" ", {}},
-        {"-", {}},
         {".", {}},
-        {"+.", {}},
         {"1e3", {}},
-        {"1,000", {}},
         {"1 2", {}},
-        {"--1", {}},
         {"1.2.3", {}},
-        {"abc", {}},
-        {"0x10", {}},
         {"\u0661", {}},
         {"2147483647", 2147483647},
         {"-2147483648", std::numeric_limits<qint32>::min()},
@@ -244,30 +231,10 @@ TEST(RoundedInt32, AcceptsPlainDecimalsAndRoundsHalfToEven) {
         {"-2147483648.5", std::numeric_limits<qint32>::min()},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(roundedInt32(QString::fromUtf8(c.text)), c.value) << c.text;
+        EXPECT_EQ(roundedInt32(QByteArrayView(c.text)), c.value) << c.text;
     for (const char* text : {"2147483648", "-2147483649", "2147483647.5", "-2147483648.51",
                              "99999999999999999999999999999", "00000000000002147483648"})
-        EXPECT_THROW(roundedInt32(QString::fromLatin1(text)), RuntimeError) << text;
-}
-
-TEST(LowerCaser, EqualsFullUnicodeLowering) {
-    // One instance over lines of changing length and script: the reused buffer must never leak
-    // characters of an earlier line into a later one.
-    const QStringList lines = {QStringLiteral("HELLO World 123"),
-                               QStringLiteral("AB"),
-                               QString(),
-                               QStringLiteral("ÄÖÜ straße ΣΊΣΥΦΟΣ"),
-                               QStringLiteral("x"),
-                               QStringLiteral("\u0130I\u0130 long line with dotted capitals"),
-                               QStringLiteral("Q"),
-                               QStringLiteral("\u212A\u212B \U00010400\U00010401 DESERET"),
-                               QStringLiteral("ABCDEFGHIJKLMNOP\u00C4\u0130QRS"),
-                               QStringLiteral("ABCDEFGH\u212A"),
-                               QStringLiteral("@AZ[`az{\u00C0\u00DE\u00DF"),
-                               QStringLiteral("@[`{")};
-    LowerCaser lower;
-    for (const QString& line : lines)
-        EXPECT_EQ(lower(line).toString(), line.toLower()) << line.toStdString();
+        EXPECT_THROW(roundedInt32(QByteArrayView(text)), RuntimeError) << text;
 }
 
 } // namespace

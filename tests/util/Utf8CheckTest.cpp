@@ -1,4 +1,3 @@
-#include "util/Utf8Document.h"
 #include "util/TextCodec.h"
 #include "util/Utf8.h"
 
@@ -10,8 +9,8 @@ using namespace ed;
 
 namespace {
 
-// The bytes path is taken only where the decoder reads UTF-8: a disagreement on any input would
-// write a document the decoder would have read as Latin-1.
+// The byte decoder must read as UTF-8 exactly what the text decoder reads as UTF-8: a disagreement
+// on any input would write a document back in another encoding.
 TEST(Utf8Check, AcceptsExactlyWhatTheDecoderReadsAsUtf8) {
     const QByteArray cases[] = {
         "", "plain", "caf\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF",
@@ -27,7 +26,9 @@ TEST(Utf8Check, AcceptsExactlyWhatTheDecoderReadsAsUtf8) {
         TextFormat f;
         decodeText(b, &f);
         const bool utf8 = f.encoding == Encoding::Utf8 || f.encoding == Encoding::Utf8Bom;
-        EXPECT_EQ(Utf8Document::fromFile(b).has_value(), utf8) << b.toHex().constData();
+        TextFormat bytesFormat;
+        decodeToModel(b, &bytesFormat);
+        EXPECT_EQ(bytesFormat.encoding, f.encoding) << b.toHex().constData();
     }
     // Random bytes, mostly ASCII with some of every kind of lead and continuation byte, long
     // enough for faults to fall on every place of the sixteen-byte blocks and across them. The
@@ -84,18 +85,18 @@ TEST(Utf8Check, FindsTheLineBreakTheDecoderFinds) {
         {QByteArray(65535, 'x') + "\r" + QByteArray(65536, 'x'), LineBreak::Cr},
     };
     for (const auto& c : cases) {
-        for (const bool withCheck : {true, false}) {
-            const auto doc = Utf8Document::fromFile(c.bytes, withCheck);
-            ASSERT_TRUE(doc);
-            EXPECT_EQ(doc->lineBreak(), c.expected) << c.bytes.left(20).constData() << withCheck;
-        }
+        TextFormat f;
+        decodeToModel(c.bytes, &f);
+        EXPECT_EQ(f.lineBreak, c.expected) << c.bytes.left(20).constData();
     }
     // A lone LF anywhere in a block, with CR LF all around.
     for (int at = 0; at < 40; ++at) {
         QByteArray bytes;
         for (int i = 0; i < 40; ++i)
             bytes += i == at ? "\n" : (i % 3 == 0 ? "\r\n" : "x");
-        EXPECT_EQ(Utf8Document::fromFile(bytes)->lineBreak(), LineBreak::Lf) << at;
+        TextFormat f;
+        decodeToModel(bytes, &f);
+        EXPECT_EQ(f.lineBreak, LineBreak::Lf) << at;
     }
 }
 
