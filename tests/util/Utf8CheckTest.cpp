@@ -25,7 +25,6 @@ TEST(Utf8Check, AcceptsExactlyWhatTheDecoderReadsAsUtf8) {
     for (const QByteArray& b : cases) {
         TextFormat f;
         decodeText(b, &f);
-        const bool utf8 = f.encoding == Encoding::Utf8 || f.encoding == Encoding::Utf8Bom;
         TextFormat bytesFormat;
         decodeToModel(b, &bytesFormat);
         EXPECT_EQ(bytesFormat.encoding, f.encoding) << b.toHex().constData();
