@@ -5,6 +5,7 @@
 #include "util/ByteWriter.h"
 #include "util/Utf8.h"
 
+#include <algorithm>
 #include <array>
 
 #ifdef __SSE2__
@@ -272,28 +273,6 @@ QByteArray crippledCase(QByteArrayView text) {
 
 } // namespace
 
-void lowerSameLength(QStringView src, QString& dst) {
-    dst.resize(src.size());
-    char16_t* out = reinterpret_cast<char16_t*>(dst.data());
-    const char16_t* in = src.utf16();
-    const qsizetype n = src.size();
-    for (qsizetype i = 0; i < n; ++i) {
-        const char16_t c = in[i];
-        if (c < 0x80) {
-            out[i] = char16_t(asciiCase(c, false));
-        } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(in[i + 1])) {
-            const char32_t m = QChar::toLower(QChar::surrogateToUcs4(c, in[i + 1]));
-            const bool fits = QChar::requiresSurrogates(m);
-            out[i] = fits ? QChar::highSurrogate(m) : c;
-            out[i + 1] = fits ? QChar::lowSurrogate(m) : in[i + 1];
-            ++i;
-        } else {
-            const char32_t m = QChar::isSurrogate(c) ? c : QChar::toLower(char32_t(c));
-            out[i] = QChar::requiresSurrogates(m) ? c : char16_t(m);
-        }
-    }
-}
-
 void mnuConvertToLowerCase_Click(CommandContext& ctx) {
     selectionOrWholeUtf8(ctx, ctx.edit.selLength() != 0,
                          [](QByteArrayView s) { return convertCase(s, false); });
@@ -306,8 +285,9 @@ void mnuConvertToUpperCase_Click(CommandContext& ctx) {
 
 void mnuConvertToProperCase_Click(CommandContext& ctx) {
     // A selection of spaces only counts as none: the whole text is converted.
-    selectionOrWholeUtf8(ctx, !trimSpaces(QStringView(ctx.edit.selText())).isEmpty(),
-                         [](QByteArrayView s) { return properCase(s, false); });
+    const QString sel = ctx.edit.selText();
+    const bool onlySpaces = std::all_of(sel.begin(), sel.end(), [](QChar c) { return c == u' '; });
+    selectionOrWholeUtf8(ctx, !onlySpaces, [](QByteArrayView s) { return properCase(s, false); });
 }
 
 void mnuCapitalizeEachWord_Click(CommandContext& ctx) {

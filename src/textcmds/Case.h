@@ -25,11 +25,4 @@ void mnuConvertToProperCase_Click(CommandContext& ctx);
 void mnuCapitalizeEachWord_Click(CommandContext& ctx);
 void mnuConvertToCrippledText_Click(CommandContext& ctx);
 
-// Lower case one character at a time (the simple Unicode mapping), so the result has exactly the
-// length of `src` and every position in it matches the same position in `src`. Characters outside
-// the Basic Multilingual Plane are mapped as whole surrogate pairs; a character whose lower case
-// is more than one character (dotted capital I) stays as it is. `dst` is resized, and its
-// capacity reused, so calling this for every line of a document allocates only on growth.
-void lowerSameLength(QStringView src, QString& dst);
-
 } // namespace ed

@@ -5,7 +5,14 @@ namespace ed {
 std::optional<QString> promptRemembered(CommandContext& ctx, const QString& prompt,
                                         const QString& title, const QString& key,
                                         const QString& section) {
-    QString def = trimSpaces(ctx.edit.selText()).toString();
+    // The selection without the spaces at its ends (only U+0020).
+    const QString sel = ctx.edit.selText();
+    qsizetype b = 0, e = sel.size();
+    while (b < e && sel[b] == u' ')
+        ++b;
+    while (e > b && sel[e - 1] == u' ')
+        --e;
+    QString def = sel.mid(b, e - b);
     if (def.isEmpty())
         def = ctx.settings.get(section, key, QString());
     const QString answer = ctx.dialogs.inputBox(prompt, title, def);
@@ -13,33 +20,6 @@ std::optional<QString> promptRemembered(CommandContext& ctx, const QString& prom
         return std::nullopt;
     ctx.settings.save(section, key, answer);
     return answer;
-}
-
-qsizetype countLines(QStringView text) {
-    qsizetype n = 1;
-    qsizetype from = 0;
-    while (true) {
-        const qsizetype lf = text.indexOf(u'\n', from);
-        if (lf < 0)
-            break;
-        if (lf > 0 && text[lf - 1] == u'\r')
-            ++n;
-        from = lf + 1;
-    }
-    return n;
-}
-
-QStringView trimSpaces(QStringView s) {
-    qsizetype b = 0, e = s.size();
-    while (b < e && s[b] == u' ')
-        ++b;
-    while (e > b && s[e - 1] == u' ')
-        --e;
-    return s.mid(b, e - b);
-}
-
-bool isBlank(QStringView s) {
-    return trimSpaces(s).isEmpty();
 }
 
 ByteSpan selectionBytes(const EditControl& edit, QByteArrayView text) {

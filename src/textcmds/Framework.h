@@ -2,12 +2,13 @@
 // The three patterns the text commands share:
 //  1. promptRemembered: ask with the trimmed selection (else the remembered answer) as default,
 //     end silently on an empty answer, remember a non-empty one as typed;
-//  2. mapLines: the whole text split at CR LF, each line handled in order, every produced line
-//     followed by CR LF, the result assigned in one step;
-//  3. selectionOrWhole: transform the selection in place, or the whole text when there is none.
+//  2. mapModelLines: the whole text split at CR LF, each line handled in order, every produced
+//     line followed by CR LF, the result assigned in one step;
+//  3. selectionOrWholeUtf8: transform the selection in place, or the whole text when there is
+//     none.
+// All of them work on the document's bytes (UTF-8, CR LF), as every text command does.
 
 #include "app/Command.h"
-#include "textcmds/LineFiltersSupport.h"
 #include "util/ByteWriter.h"
 #include "util/ModelText.h"
 
@@ -18,54 +19,10 @@
 
 namespace ed {
 
-inline const QString kCrLf = QStringLiteral("\r\n");
-
 // Pattern 1. Returns the answer, or nothing when the command should end silently.
 std::optional<QString> promptRemembered(CommandContext& ctx, const QString& prompt,
                                         const QString& title, const QString& key,
                                         const QString& section = QStringLiteral("frmEdit"));
-
-// Calls f(line) for every piece of `text` split at CR LF, the last (possibly empty) one included.
-template <class F> void forEachLine(QStringView text, F&& f) {
-    // A CR LF ends a line; a lone LF or CR is an ordinary character of the line.
-    forEachCrLfLine(text, std::forward<F>(f));
-}
-
-// Number of pieces `forEachLine` yields.
-qsizetype countLines(QStringView text);
-
-// Pattern 2: builds the output of `perLine(line, out)` over all lines. `perLine` appends what it
-// produces (each line followed by CR LF) to `out`.
-template <class F> QString mapLines(QStringView text, F&& perLine, qsizetype reserveExtra = 0) {
-    QString out;
-    out.reserve(text.size() + reserveExtra + 2);
-    forEachLine(text, [&](QStringView line) { perLine(line, out); });
-    return out;
-}
-
-// Pattern 3. `present` is the command's own selection test; the caret goes back to the old
-// selection start with nothing selected when `restoreCaret` is set.
-template <class F>
-void selectionOrWhole(CommandContext& ctx, bool present, F&& convert, bool restoreCaret = true) {
-    if (present) {
-        const QString t = ctx.edit.text();
-        const qsizetype s = qBound(qsizetype(0), qsizetype(ctx.edit.selStart()), t.size());
-        const qsizetype l = qBound(qsizetype(0), qsizetype(ctx.edit.selLength()), t.size() - s);
-        const QString converted = convert(QStringView(t).mid(s, l));
-        QString result;
-        result.reserve(t.size() - l + converted.size());
-        result.append(QStringView(t).left(s)).append(converted).append(QStringView(t).mid(s + l));
-        ctx.edit.setText(result);
-        if (restoreCaret) {
-            ctx.edit.setSelStart(int(s));
-            ctx.edit.setSelLength(0);
-        }
-    } else {
-        ctx.edit.setText(convert(QStringView(ctx.edit.text())));
-    }
-}
-
-// --- The same patterns on the model's bytes (UTF-8, CR LF): what every command is moving to. ---
 
 // A range of bytes of the text.
 struct ByteSpan {
@@ -110,9 +67,5 @@ void selectionOrWholeUtf8(CommandContext& ctx, bool present, F&& convert,
 // Leading and trailing spaces (only 0x20) removed.
 QByteArrayView trimSpaces(QByteArrayView s);
 bool isBlank(QByteArrayView s);
-
-// Leading and trailing space characters (only U+0020) removed.
-QStringView trimSpaces(QStringView s);
-bool isBlank(QStringView s);
 
 } // namespace ed
