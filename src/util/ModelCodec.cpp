@@ -135,28 +135,46 @@ QByteArray withoutLoneSurrogates(const QByteArray& model) {
 
 } // namespace
 
+// Checks that [p, p + n) is UTF-8 and finds its line-break style in the same pass, a piece at a
+// time while the piece is in the cache. A piece ends before an ASCII byte, so no sequence spans
+// two.
+bool scanUtf8(const char* p, qsizetype n, LineBreakScan& breaks) {
+    constexpr qsizetype kPiece = 64 * 1024;
+    for (qsizetype from = 0; from < n;) {
+        qsizetype to = qMin(n, from + kPiece);
+        while (to < n && uchar(p[to]) >= 0x80)
+            ++to;
+        if (!isValidUtf8(p + from, to - from))
+            return false;
+        breaks.add(p, from, to);
+        from = to;
+    }
+    return true;
+}
+
 QByteArray decodeToModel(const QByteArray& bytes, TextFormat* format) {
     const char* p = bytes.constData();
     const qsizetype n = bytes.size();
     const bool bom = n >= 3 && uchar(p[0]) == 0xEF && uchar(p[1]) == 0xBB && uchar(p[2]) == 0xBF;
     TextFormat f;
     QByteArray text;
-    if (bom && isValidUtf8(p + 3, n - 3)) {
+    LineBreakScan scan;
+    if (bom && scanUtf8(p + 3, n - 3, scan)) {
         f.encoding = Encoding::Utf8Bom;
         text = bytes.sliced(3);
     } else if (n >= 2 && n % 2 == 0 &&
                ((uchar(p[0]) == 0xFF && uchar(p[1]) == 0xFE) ||
                 (uchar(p[0]) == 0xFE && uchar(p[1]) == 0xFF))) {
         return toModelUtf8(decodeText(bytes, format));
-    } else if (isValidUtf8(p, n)) {
+    } else if (scan = LineBreakScan(), scanUtf8(p, n, scan)) {
         f.encoding = Encoding::Utf8;
         text = bytes;
     } else {
         f.encoding = Encoding::Latin1;
         text = latin1ToUtf8(bytes);
+        scan = LineBreakScan();
+        scan.add(text.constData(), 0, text.size());
     }
-    LineBreakScan scan;
-    scan.add(text.constData(), 0, text.size());
     f.lineBreak = scan.result();
     if (format)
         *format = f;
