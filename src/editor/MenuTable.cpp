@@ -10,6 +10,7 @@
 #include "mail/SendMailCommand.h"
 #include "textcmds/Case.h"
 #include "textcmds/CodeArray.h"
+#include "textcmds/Convert.h"
 #include "textcmds/CountsDates.h"
 #include "textcmds/LineFilters.h"
 #include "textcmds/Positional.h"
@@ -136,9 +137,9 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuLoadClipBoardText", "ClipBoard Text", "mnuInsert", "", kNone, mnuLoadClipBoardText_Click,
      nullptr, nullptr},
     {"mnuConvert", "Convert", "mnuTools", "", M, nullptr, nullptr, nullptr},
-    {"mnuAsciiToHex", "Ascii To Hex", "mnuConvert", "", W, nullptr, nullptr, nullptr},
-    {"mnuHexToAscii", "Hex To Ascii", "mnuConvert", "", W, nullptr, nullptr, nullptr},
-    {"mnuShowASCII", "Char To ASCII", "mnuConvert", "", W, nullptr, nullptr, nullptr},
+    {"mnuAsciiToHex", "Ascii To Hex", "mnuConvert", "", kNone, mnuAsciiToHex_Click, nullptr, nullptr},
+    {"mnuHexToAscii", "Hex To Ascii", "mnuConvert", "", kNone, mnuHexToAscii_Click, nullptr, nullptr},
+    {"mnuShowASCII", "Char To ASCII", "mnuConvert", "", kNone, mnuShowASCII_Click, nullptr, nullptr},
     {"mnuRemove", "Remove", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuRemoveCRLF", "CRLF", "mnuRemove", "", kNone, mnuRemoveCRLF_Click, nullptr, nullptr},
     {"mnuRemoveRepeats", "Repeats", "mnuRemove", "", kNone, mnuRemoveRepeats_Click, nullptr,
