@@ -216,6 +216,19 @@ QStringList htmlTagContent(QString startTag, QString stopTag, const QString& htm
 
     int entries = 0;
     qsizetype searchStart = 0; // the next search begins after this many characters
+    // The last search for the stop tag: where it began and what it found (-1: none from there
+    // on). A later search from a place between the two finds the same, so it is not repeated:
+    // many start tags before one stop tag would otherwise search the same stretch each time.
+    qsizetype stopSearchedFrom = -1;
+    qsizetype stopFound = -1;
+    const auto findStop = [&](qsizetype from) {
+        if (stopSearchedFrom < 0 || from < stopSearchedFrom ||
+            (stopFound >= 0 && from > stopFound)) {
+            stopSearchedFrom = from;
+            stopFound = lower.indexOf(stopTag, from);
+        }
+        return stopFound;
+    };
     for (int pass = 0; pass < maxPasses; ++pass) {
         Pass current{false, QString()};
         if (repeating) {
@@ -226,7 +239,7 @@ QStringList htmlTagContent(QString startTag, QString stopTag, const QString& htm
                 break;
             const qsizetype contentStart = start + startTag.size();
             const qsizetype nextStart = lower.indexOf(startTag, start + 1);
-            qsizetype stop = lower.indexOf(stopTag, contentStart);
+            qsizetype stop = findStop(contentStart);
             if (nextStart >= 0 && stop >= 0 && nextStart < stop)
                 stop = nextStart;
             if (stop >= 0) {
