@@ -105,7 +105,9 @@ bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
                                                 "mnuGetBrowserLinksConditional",
                                                 "mnuNavigateToSel",
                                                 "mnuExplorer",
-                                                "mnuLoadinwebbrowser"};
+                                                "mnuLoadinwebbrowser",
+                                                "mnuFloatFont",
+                                                "mnuRemoveFormatting"};
     return availableInBatch(item) && !kNeedsTheWindow.contains(QString::fromLatin1(item.name));
 }
 

@@ -12,6 +12,7 @@
 #include "textcmds/CodeArray.h"
 #include "textcmds/Convert.h"
 #include "textcmds/CountsDates.h"
+#include "textcmds/Formatting.h"
 #include "textcmds/LineFilters.h"
 #include "textcmds/Positional.h"
 #include "textcmds/ReOrder.h"
@@ -152,7 +153,8 @@ const std::vector<MenuItemDecl> kItems = {
      nullptr},
     {"mnuRemoveRightSide", "Right Side", "mnuRemove", "", kNone, mnuRemoveRightSide_Click, nullptr,
      nullptr},
-    {"mnuRemoveFormatting", "Formatting", "mnuRemove", "", W, nullptr, nullptr, nullptr},
+    {"mnuRemoveFormatting", "Formatting", "mnuRemove", "", kNone, mnuRemoveFormatting_Click,
+     nullptr, nullptr},
     {"mnuByNumericValue", "By Numeric Value", "mnuRemove", "", kNone, mnuByNumericValue_Click,
      nullptr, nullptr},
     {"mnuRemoveLinesContainingText", "Lines Containing Text", "mnuRemove", "", kNone,
@@ -175,7 +177,8 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuDelimitRunningText", "Text Stream To Delimited", "mnuReOrder", "", kNone,
      mnuDelimitRunningText_Click, nullptr, nullptr},
     {"mnuCapitalization", "Capitalization", "mnuTools", "", M, nullptr, nullptr, nullptr},
-    {"mnuFloatFont", "Float Font", "mnuCapitalization", "", W, nullptr, nullptr, nullptr},
+    {"mnuFloatFont", "Float Font", "mnuCapitalization", "", kNone, mnuFloatFont_Click, nullptr,
+     nullptr},
     {"mnuConvertToUpperCase", "To Upper Case", "mnuCapitalization", "", kNone,
      mnuConvertToUpperCase_Click, nullptr, nullptr},
     {"mnuConvertToLowerCase", "To Lower Case", "mnuCapitalization", "", kNone,

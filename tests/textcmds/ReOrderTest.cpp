@@ -185,6 +185,18 @@ TEST(GetHtmlTags, ManyUnclosedTagsOnOneLongLine) {
     EXPECT_EQ(lines[0], ">item");
 }
 
+TEST(SwitchRearToFront, AFiveMegabyteLine) {
+    // A marker that almost matches everywhere: the search must not start over at each place.
+    QByteArray line(5 << 20, 'a');
+    line += "=b";
+    Harness h;
+    h.edit.setUtf8(line);
+    h.dialogs.answers = {QString(1000, u'A') + u'='};
+    h.run("mnuSwitchRearToFront");
+    EXPECT_EQ(h.edit.utf8(),
+              "b" + QByteArray(1000, 'a') + "=" + QByteArray((5 << 20) - 1000, 'a') + "\r\n");
+}
+
 TEST(StreamCommands, AFiveMegabyteLine) {
     QByteArray line(5 << 20, 'x');
     for (qsizetype i = 0; i < line.size(); i += 5000)
