@@ -3,6 +3,7 @@
 #include "textcmds/Framework.h"
 #include "textcmds/Positional.h"
 #include "textcmds/RememberedAnswer.h"
+#include "util/ByteSearch.h"
 #include "web/WebText.h"
 
 #include <cstring>
@@ -33,18 +34,6 @@ std::optional<QByteArray> askDelimiter(CommandContext& ctx, const QString& promp
     return delimiterOf(*answer);
 }
 
-// First place of `needle` in `hay` at or after `from`, or -1. glibc's memmem is linear in the
-// worst case (two-way search).
-qsizetype find(QByteArrayView hay, QByteArrayView needle, qsizetype from) {
-    if (from > hay.size() - needle.size())
-        return -1;
-    const void* hit = needle.size() == 1
-                          ? std::memchr(hay.data() + from, needle[0], size_t(hay.size() - from))
-                          : memmem(hay.data() + from, size_t(hay.size() - from), needle.data(),
-                                   size_t(needle.size()));
-    return hit ? static_cast<const char*>(hit) - hay.data() : -1;
-}
-
 // An integer as the array lines write it: digits with an optional "-". Its length, or 0.
 qsizetype integerAt(QByteArrayView s) {
     qsizetype i = !s.isEmpty() && s[0] == '-' ? 1 : 0;
@@ -61,7 +50,7 @@ bool startsWith(QByteArrayView s, qsizetype at, QByteArrayView what) {
 
 // An element line NAME(integer) = ...: the end of NAME (its "("), or -1.
 qsizetype elementNameEnd(QByteArrayView line) {
-    const qsizetype open = find(line, "(", 0);
+    const qsizetype open = indexOfBytes(line, "(", 0);
     if (open <= 0)
         return -1;
     const qsizetype digits = integerAt(line.sliced(open + 1));
@@ -112,7 +101,8 @@ QByteArray joinLines(QByteArrayView text, QByteArrayView delimiter) {
 QByteArray splitAt(QByteArrayView text, QByteArrayView delimiter) {
     ByteWriter out(text.size() + 2);
     qsizetype from = 0;
-    for (qsizetype at = find(text, delimiter, 0); at >= 0; at = find(text, delimiter, from)) {
+    for (qsizetype at = indexOfBytes(text, delimiter, 0); at >= 0;
+         at = indexOfBytes(text, delimiter, from)) {
         out.append(text.sliced(from, at - from));
         out.append(kCrLfBytes);
         from = at + delimiter.size();
@@ -179,10 +169,14 @@ void mnuGetHtmlTags_Click(CommandContext& ctx) {
     rememberAnswer(ctx, stopKey, *stop);
     const QByteArray text = ctx.edit.utf8();
     // The tag cutter of the browser session, on the document's text as it stands.
-    const QStringList entries = web::htmlTagContent(*start, *stop, fromModelUtf8(text));
-    ByteWriter out(text.size() + 2 * entries.size());
-    for (const QString& entry : entries) {
-        out.append(toModelUtf8(entry));
+    const QList<QByteArrayView> entries =
+        web::htmlTagContentUtf8(toModelUtf8(*start), toModelUtf8(*stop), text);
+    qsizetype size = 0;
+    for (QByteArrayView entry : entries)
+        size += entry.size() + 2;
+    ByteWriter out(size);
+    for (QByteArrayView entry : entries) {
+        out.append(entry);
         out.append(kCrLfBytes);
     }
     ctx.edit.setUtf8(std::move(out).finish());

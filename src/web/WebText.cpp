@@ -1,6 +1,7 @@
 #include "web/WebText.h"
 
 #include "app/LaunchTarget.h"
+#include "util/ByteSearch.h"
 
 #include <vector>
 
@@ -190,17 +191,23 @@ int isThisEmailOrLink(const QString& text, bool checkProtocol) {
     return NotALink;
 }
 
-QStringList htmlTagContent(QString startTag, QString stopTag, const QString& html) {
-    QStringList result{QString()};
+QList<QByteArrayView> htmlTagContentUtf8(QByteArrayView startTag, QByteArrayView stopTag,
+                                         QByteArrayView html) {
+    QList<QByteArrayView> result{QByteArrayView()};
+    if (startTag.endsWith('>'))
+        startTag.chop(1);
     if (startTag.isEmpty() || stopTag.isEmpty())
         return result;
-    if (startTag.endsWith(u'>'))
-        startTag.chop(1);
-    startTag = startTag.toLower();
-    stopTag = stopTag.toLower();
-    if (startTag.isEmpty())
-        return result;
-    const QString lower = html.toLower();
+    // Tags and text compared with the letters A to Z in lower case: every byte keeps its place.
+    const auto lowered = [](QByteArrayView s) {
+        QByteArray out(s.size(), Qt::Uninitialized);
+        for (qsizetype i = 0; i < s.size(); ++i)
+            out[i] = char(unsigned(s[i] - 'A') < 26 ? s[i] | 0x20 : s[i]);
+        return out;
+    };
+    const QByteArray start = lowered(startTag);
+    const QByteArray stop = lowered(stopTag);
+    const QByteArray lower = lowered(html);
     constexpr int maxEntries = 10000;
     constexpr int maxPasses = 10000;
 
@@ -209,13 +216,13 @@ QStringList htmlTagContent(QString startTag, QString stopTag, const QString& htm
     // are replayed from the record instead of being searched again.
     struct Pass {
         bool hasEntry;
-        QString entry;
+        QByteArrayView entry;
     };
     std::vector<Pass> firstCycle;
     bool repeating = false;
 
     int entries = 0;
-    qsizetype searchStart = 0; // the next search begins after this many characters
+    qsizetype searchStart = 0; // the next search begins after this many bytes
     // The last search for the stop tag: where it began and what it found (-1: none from there
     // on). A later search from a place between the two finds the same, so it is not repeated:
     // many start tags before one stop tag would otherwise search the same stretch each time.
@@ -225,26 +232,26 @@ QStringList htmlTagContent(QString startTag, QString stopTag, const QString& htm
         if (stopSearchedFrom < 0 || from < stopSearchedFrom ||
             (stopFound >= 0 && from > stopFound)) {
             stopSearchedFrom = from;
-            stopFound = lower.indexOf(stopTag, from);
+            stopFound = indexOfBytes(lower, stop, from);
         }
         return stopFound;
     };
     for (int pass = 0; pass < maxPasses; ++pass) {
-        Pass current{false, QString()};
+        Pass current{false, QByteArrayView()};
         if (repeating) {
             current = firstCycle[size_t(pass) % firstCycle.size()];
         } else {
-            const qsizetype start = lower.indexOf(startTag, searchStart);
-            if (start < 0)
+            const qsizetype at = indexOfBytes(lower, start, searchStart);
+            if (at < 0)
                 break;
-            const qsizetype contentStart = start + startTag.size();
-            const qsizetype nextStart = lower.indexOf(startTag, start + 1);
-            qsizetype stop = findStop(contentStart);
-            if (nextStart >= 0 && stop >= 0 && nextStart < stop)
-                stop = nextStart;
-            if (stop >= 0) {
-                current = {true, html.mid(contentStart, stop - contentStart)};
-                searchStart = stop + 1;
+            const qsizetype contentStart = at + start.size();
+            const qsizetype nextStart = indexOfBytes(lower, start, at + 1);
+            qsizetype end = findStop(contentStart);
+            if (nextStart >= 0 && end >= 0 && nextStart < end)
+                end = nextStart;
+            if (end >= 0) {
+                current = {true, html.sliced(contentStart, end - contentStart)};
+                searchStart = end + 1;
             } else {
                 searchStart = 0;
             }
@@ -259,6 +266,14 @@ QStringList htmlTagContent(QString startTag, QString stopTag, const QString& htm
                 break;
         }
     }
+    return result;
+}
+
+QStringList htmlTagContent(const QString& startTag, const QString& stopTag, const QString& html) {
+    const QByteArray bytes = html.toUtf8();
+    QStringList result;
+    for (QByteArrayView entry : htmlTagContentUtf8(startTag.toUtf8(), stopTag.toUtf8(), bytes))
+        result << QString::fromUtf8(entry);
     return result;
 }
 

@@ -102,6 +102,8 @@ TEST(HtmlTagContent, CutsBetweenTags) {
         // An unclosed element ends where the next one starts; the search then goes on after
         // that start, so the element that starts there is passed over.
         {"<li>", "</li>", "<li>a<li>b</li><li>c</li>", {">a", ">c"}},
+        // Characters whose lower case is longer or shorter do not move the cut.
+        {"<b>", "</b>", "\xc4\xb0\xe2\x84\xaa<B>\xc3\x9f</B>", {">\xc3\x9f"}},
     };
     for (const Case& c : cases)
         EXPECT_EQ(htmlTagContent(QString::fromUtf8(c.start), QString::fromUtf8(c.stop),
