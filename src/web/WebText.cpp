@@ -199,15 +199,38 @@ QList<QByteArrayView> htmlTagContentUtf8(QByteArrayView startTag, QByteArrayView
     if (startTag.isEmpty() || stopTag.isEmpty())
         return result;
     // Tags and text compared with the letters A to Z in lower case: every byte keeps its place.
-    const auto lowered = [](QByteArrayView s) {
+    const auto lowerInto = [](const char* from, qsizetype n, char* to) {
+        for (qsizetype i = 0; i < n; ++i)
+            to[i] = char(unsigned(from[i] - 'A') < 26 ? from[i] | 0x20 : from[i]);
+    };
+    const auto lowered = [&](QByteArrayView s) {
         QByteArray out(s.size(), Qt::Uninitialized);
-        for (qsizetype i = 0; i < s.size(); ++i)
-            out[i] = char(unsigned(s[i] - 'A') < 26 ? s[i] | 0x20 : s[i]);
+        lowerInto(s.data(), s.size(), out.data());
         return out;
     };
     const QByteArray start = lowered(startTag);
     const QByteArray stop = lowered(stopTag);
-    const QByteArray lower = lowered(html);
+    // The text is lowered only as far as the searches have gone: the entries may run out long
+    // before its end.
+    QByteArray lower(html.size(), Qt::Uninitialized);
+    char* const low = lower.data();
+    qsizetype loweredTo = 0;
+    const auto indexOf = [&](const QByteArray& needle, qsizetype from) -> qsizetype {
+        qsizetype step = qsizetype(1) << 16;
+        while (true) {
+            const qsizetype end = qMin(html.size(), qMax(loweredTo, from + step));
+            if (end > loweredTo) {
+                lowerInto(html.data() + loweredTo, end - loweredTo, low + loweredTo);
+                loweredTo = end;
+            }
+            const qsizetype hit = indexOfBytes(QByteArrayView(low, end), needle, from);
+            if (hit >= 0 || end == html.size())
+                return hit;
+            // Searched up to `end`: go on from where a match could still begin.
+            from = qMax(from, end - needle.size() + 1);
+            step *= 2;
+        }
+    };
     constexpr int maxEntries = 10000;
     constexpr int maxPasses = 10000;
 
@@ -232,7 +255,7 @@ QList<QByteArrayView> htmlTagContentUtf8(QByteArrayView startTag, QByteArrayView
         if (stopSearchedFrom < 0 || from < stopSearchedFrom ||
             (stopFound >= 0 && from > stopFound)) {
             stopSearchedFrom = from;
-            stopFound = indexOfBytes(lower, stop, from);
+            stopFound = indexOf(stop, from);
         }
         return stopFound;
     };
@@ -241,11 +264,11 @@ QList<QByteArrayView> htmlTagContentUtf8(QByteArrayView startTag, QByteArrayView
         if (repeating) {
             current = firstCycle[size_t(pass) % firstCycle.size()];
         } else {
-            const qsizetype at = indexOfBytes(lower, start, searchStart);
+            const qsizetype at = indexOf(start, searchStart);
             if (at < 0)
                 break;
             const qsizetype contentStart = at + start.size();
-            const qsizetype nextStart = indexOfBytes(lower, start, at + 1);
+            const qsizetype nextStart = indexOf(start, at + 1);
             qsizetype end = findStop(contentStart);
             if (nextStart >= 0 && end >= 0 && nextStart < end)
                 end = nextStart;

@@ -112,6 +112,19 @@ TEST(HtmlTagContent, CutsBetweenTags) {
             << c.html;
 }
 
+TEST(HtmlTagContent, TagsWhereverTheyLieInALongText) {
+    // The text is lowered stretch by stretch as the search goes: a tag across the end of a
+    // stretch, or far behind the start, is found all the same.
+    for (qsizetype before : {0, 65530, 65534, 65535, 65536, 200000}) {
+        const QByteArray html =
+            QByteArray(before, 'x') + "<B>v" + QByteArray(1 << 20, 'y') + "</B>";
+        const QList<QByteArrayView> out = htmlTagContentUtf8("<b>", "</b>", html);
+        ASSERT_EQ(out.size(), 1) << before;
+        EXPECT_EQ(out[0].size(), 2 + (1 << 20)) << before;
+        EXPECT_TRUE(out[0].startsWith(">v")) << before;
+    }
+}
+
 TEST(HtmlTagContent, UnfinishedSearchStartsOverUntilThePassLimit) {
     // The second <b> is never closed: every second pass finds the first element again.
     const QStringList out = htmlTagContent("<b>", "</b>", "<b>one</b><b>open");
