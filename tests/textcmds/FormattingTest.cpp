@@ -96,16 +96,6 @@ INSTANTIATE_TEST_SUITE_P(
                       FloatCase{"1639", 0, 0, false, 0, 0}, FloatCase{"12.5", 0, 0, false, 0, 0},
                       FloatCase{"big", 0, 0, false, 0, 0}));
 
-TEST(FloatFont, WithoutTheWindowTheTextStays) {
-    Harness h("abc");
-    h.dialogs.answers.push_back("20");
-    h.run("mnuFloatFont");
-    EXPECT_EQ(h.edit.text(), "abc");
-    EXPECT_EQ(h.edit.assignments(), 0);
-    EXPECT_EQ(h.setting("frmEdit", "Max Size Font float"), "20");
-    EXPECT_TRUE(h.log.errors.empty());
-}
-
 struct FontCase {
     const char* saved; // nullptr: none saved
     bool cleared;
