@@ -57,6 +57,14 @@ public:
     virtual FontSpec selectionFont() const = 0;
     // 0 wraps at the window edge, anything else (in twips) turns wrapping off.
     virtual void setRightMargin(int twips) = 0;
+    // The font the document shows where a character has none of its own.
+    virtual FontSpec documentFont() const = 0;
+    // The characters from model position `start` on, `length` positions of them, get the point
+    // sizes of `cycle` in turn, from its first again when it runs out. A line break and a
+    // character outside the Basic Multilingual Plane take one size each.
+    virtual void setSizeCycle(int start, int length, const QList<double>& cycle) = 0;
+    // Every character gets `font`, with no size, colour or underline of its own.
+    virtual void clearFormatting(const FontSpec& font) = 0;
 };
 
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel, YesCancel };

@@ -109,7 +109,9 @@ bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
                                                 "mnuNaviagetTo",
                                                 "mnuSearchGoogle",
                                                 "mnuSaveWebPage",
-                                                "mnuDownloadFiles"};
+                                                "mnuDownloadFiles",
+                                                "mnuFloatFont",
+                                                "mnuRemoveFormatting"};
     return availableInBatch(item) && !kNeedsTheWindow.contains(QString::fromLatin1(item.name));
 }
 

@@ -10,9 +10,12 @@
 #include "mail/SendMailCommand.h"
 #include "textcmds/Case.h"
 #include "textcmds/CodeArray.h"
+#include "textcmds/Convert.h"
 #include "textcmds/CountsDates.h"
+#include "textcmds/Formatting.h"
 #include "textcmds/LineFilters.h"
 #include "textcmds/Positional.h"
+#include "textcmds/ReOrder.h"
 #include "textcmds/PrefixSuffix.h"
 #include "textcmds/Whitespace.h"
 #include "web/BrowserCommands.h"
@@ -145,9 +148,12 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuLoadClipBoardText", "ClipBoard Text", "mnuInsert", "", kNone, mnuLoadClipBoardText_Click,
      nullptr, nullptr},
     {"mnuConvert", "Convert", "mnuTools", "", M, nullptr, nullptr, nullptr},
-    {"mnuAsciiToHex", "Ascii To Hex", "mnuConvert", "", W, nullptr, nullptr, nullptr},
-    {"mnuHexToAscii", "Hex To Ascii", "mnuConvert", "", W, nullptr, nullptr, nullptr},
-    {"mnuShowASCII", "Char To ASCII", "mnuConvert", "", W, nullptr, nullptr, nullptr},
+    {"mnuAsciiToHex", "Ascii To Hex", "mnuConvert", "", kNone, mnuAsciiToHex_Click, nullptr,
+     nullptr},
+    {"mnuHexToAscii", "Hex To Ascii", "mnuConvert", "", kNone, mnuHexToAscii_Click, nullptr,
+     nullptr},
+    {"mnuShowASCII", "Char To ASCII", "mnuConvert", "", kNone, mnuShowASCII_Click, nullptr,
+     nullptr},
     {"mnuRemove", "Remove", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuRemoveCRLF", "CRLF", "mnuRemove", "", kNone, mnuRemoveCRLF_Click, nullptr, nullptr},
     {"mnuRemoveRepeats", "Repeats", "mnuRemove", "", kNone, mnuRemoveRepeats_Click, nullptr,
@@ -156,7 +162,8 @@ const std::vector<MenuItemDecl> kItems = {
      nullptr},
     {"mnuRemoveRightSide", "Right Side", "mnuRemove", "", kNone, mnuRemoveRightSide_Click, nullptr,
      nullptr},
-    {"mnuRemoveFormatting", "Formatting", "mnuRemove", "", W, nullptr, nullptr, nullptr},
+    {"mnuRemoveFormatting", "Formatting", "mnuRemove", "", kNone, mnuRemoveFormatting_Click,
+     nullptr, nullptr},
     {"mnuByNumericValue", "By Numeric Value", "mnuRemove", "", kNone, mnuByNumericValue_Click,
      nullptr, nullptr},
     {"mnuRemoveLinesContainingText", "Lines Containing Text", "mnuRemove", "", kNone,
@@ -164,20 +171,23 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuRemoveLinesNotContainingText", "Lines Not Containing Text", "mnuRemove", "", kNone,
      mnuRemoveLinesNotContainingText_Click, nullptr, nullptr},
     {"mnuReOrder", "ReOrder", "mnuTools", "", M, nullptr, nullptr, nullptr},
-    {"mnuGetHtmlTags", "Get Html Tags", "mnuReOrder", "", W, nullptr, nullptr, nullptr},
+    {"mnuGetHtmlTags", "Get Html Tags", "mnuReOrder", "", kNone, mnuGetHtmlTags_Click, nullptr,
+     nullptr},
     {"mnuIndentParagraphs", "Indent Paragraphs", "mnuReOrder", "", kHidden | W, nullptr, nullptr,
      nullptr},
-    {"mnuSwitchRearToFront", "Switch Rear To Front", "mnuReOrder", "", W, nullptr, nullptr,
-     nullptr},
+    {"mnuSwitchRearToFront", "Switch Rear To Front", "mnuReOrder", "", kNone,
+     mnuSwitchRearToFront_Click, nullptr, nullptr},
     {"mnuCreateCodeArrayOfWordList", "Code Array Of Word List", "mnuReOrder", "", kNone,
      mnuCreateCodeArrayOfWordList_Click, nullptr, nullptr},
-    {"mnuReNumberArrayElements", "Renumber Array elements", "mnuReOrder", "", W, nullptr, nullptr,
-     nullptr},
-    {"mnuTurnToStream", "Delimited To Text Stream", "mnuReOrder", "", W, nullptr, nullptr, nullptr},
-    {"mnuDelimitRunningText", "Text Stream To Delimited", "mnuReOrder", "", W, nullptr, nullptr,
-     nullptr},
+    {"mnuReNumberArrayElements", "Renumber Array elements", "mnuReOrder", "", kNone,
+     mnuReNumberArrayElements_Click, nullptr, nullptr},
+    {"mnuTurnToStream", "Delimited To Text Stream", "mnuReOrder", "", kNone,
+     mnuTurnToStream_Click, nullptr, nullptr},
+    {"mnuDelimitRunningText", "Text Stream To Delimited", "mnuReOrder", "", kNone,
+     mnuDelimitRunningText_Click, nullptr, nullptr},
     {"mnuCapitalization", "Capitalization", "mnuTools", "", M, nullptr, nullptr, nullptr},
-    {"mnuFloatFont", "Float Font", "mnuCapitalization", "", W, nullptr, nullptr, nullptr},
+    {"mnuFloatFont", "Float Font", "mnuCapitalization", "", kNone, mnuFloatFont_Click, nullptr,
+     nullptr},
     {"mnuConvertToUpperCase", "To Upper Case", "mnuCapitalization", "", kNone,
      mnuConvertToUpperCase_Click, nullptr, nullptr},
     {"mnuConvertToLowerCase", "To Lower Case", "mnuCapitalization", "", kNone,

@@ -553,6 +553,70 @@ FontSpec PlainTextEditControl::selectionFont() const {
     return s;
 }
 
+FontSpec PlainTextEditControl::documentFont() const {
+    const QFont f = widget_->font();
+    FontSpec s;
+    s.name = f.family();
+    s.size = f.pointSizeF() > 0 ? f.pointSizeF() : s.size;
+    s.bold = f.bold();
+    s.italic = f.italic();
+    return s;
+}
+
+void PlainTextEditControl::setSizeCycle(int start, int length, const QList<double>& cycle) {
+    if (cycle.isEmpty() || length <= 0)
+        return;
+    std::vector<QTextCharFormat> formats(size_t(cycle.size()));
+    for (qsizetype i = 0; i < cycle.size(); ++i)
+        formats[size_t(i)].setFontPointSize(cycle[i]);
+    QTextDocument* doc = widget_->document();
+    const int from = toWidget(start);
+    const int to = toWidget(start + length);
+    QTextCursor c(doc);
+    ownEdit_ = true;
+    c.beginEditBlock();
+    size_t next = 0;
+    for (QTextBlock b = doc->findBlock(from); b.isValid() && b.position() < to; b = b.next()) {
+        const QString t = b.text();
+        const int at = b.position();
+        // Up to and with the block's own break, unless the range ends before it (the last
+        // block has no break of the document's).
+        const int end = qMin(to - at, int(t.size()) + 1);
+        for (int i = qMax(0, from - at); i < end;) {
+            const int n =
+                i + 1 < t.size() && t[i].isHighSurrogate() && t[i + 1].isLowSurrogate() ? 2 : 1;
+            c.setPosition(at + i);
+            c.setPosition(at + i + n, QTextCursor::KeepAnchor);
+            c.mergeCharFormat(formats[next]);
+            next = next + 1 == formats.size() ? 0 : next + 1;
+            i += n;
+        }
+    }
+    c.endEditBlock();
+    ownEdit_ = false;
+    rich_ = true;
+}
+
+void PlainTextEditControl::clearFormatting(const FontSpec& font) {
+    QTextCursor c(widget_->document());
+    ownEdit_ = true;
+    c.beginEditBlock();
+    c.select(QTextCursor::Document);
+    c.setCharFormat(QTextCharFormat());
+    c.setBlockCharFormat(QTextCharFormat());
+    c.endEditBlock();
+    ownEdit_ = false;
+    rich_ = false;
+    // What is left is the document's font: the widget's.
+    QFont f(font.name);
+    if (font.size > 0)
+        f.setPointSizeF(font.size);
+    f.setBold(font.bold);
+    f.setItalic(font.italic);
+    f.setStyleStrategy(widget_->font().styleStrategy());
+    widget_->setFont(f);
+}
+
 void PlainTextEditControl::setRightMargin(int twips) {
     widget_->setLineWrapMode(twips == 0 ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
 }

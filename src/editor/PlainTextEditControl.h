@@ -115,6 +115,9 @@ public:
     void setSelectionFont(const FontSpec& font) override;
     FontSpec selectionFont() const override;
     void setRightMargin(int twips) override;
+    FontSpec documentFont() const override;
+    void setSizeCycle(int start, int length, const QList<double>& cycle) override;
+    void clearFormatting(const FontSpec& font) override;
 
     QPlainTextEdit* widget() const { return widget_; }
 

@@ -70,10 +70,20 @@ QByteArray toModelUtf8(QStringView text) {
 }
 
 QString fromModelUtf8(QByteArrayView bytes) {
+    QString out(bytes.size(), Qt::Uninitialized);
+    adviseHugePages(out.constData(), size_t(bytes.size()) * sizeof(QChar));
+    out.truncate(decodeModelUtf8(bytes, reinterpret_cast<char16_t*>(out.data())));
+    return out;
+}
+
+void fromModelUtf8(QByteArrayView bytes, QString& into) {
+    into.resize(bytes.size());
+    into.truncate(decodeModelUtf8(bytes, reinterpret_cast<char16_t*>(into.data())));
+}
+
+qsizetype decodeModelUtf8(QByteArrayView bytes, char16_t* out) {
     const qsizetype n = bytes.size();
-    QString out(n, Qt::Uninitialized);
-    adviseHugePages(out.constData(), size_t(n) * sizeof(QChar));
-    auto* d = reinterpret_cast<char16_t*>(out.data());
+    char16_t* d = out;
     const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
     for (qsizetype i = 0; i < n;) {
         const unsigned char c = s[i];
@@ -104,8 +114,7 @@ QString fromModelUtf8(QByteArrayView bytes) {
         }
         i += len;
     }
-    out.truncate(d - reinterpret_cast<const char16_t*>(out.constData()));
-    return out;
+    return d - out;
 }
 
 qsizetype utf16Length(QByteArrayView bytes) {

@@ -2,6 +2,8 @@
 // Text rules of the browser session that need no browser: the protocol table, where an address
 // goes, tag stripping, e-mail/web-link recognition and cutting content out between tags.
 
+#include <QByteArrayView>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -39,11 +41,15 @@ int isThisEmailOrLink(const QString& text, bool checkProtocol);
 bool isEmailAddress(const QString& text);
 bool isBareWebAddress(const QString& text);
 
-// Content between `startTag` and `stopTag` in `html`, searched without regard to case, cut out
-// of `html` as given. Each entry begins with the rest of the start tag (its attributes and its
-// ">"); an element that is not closed before the next start tag of its kind ends there. One ""
-// entry when nothing was found or a tag is "". At most 10000 entries and 10000 passes.
-QStringList htmlTagContent(QString startTag, QString stopTag, const QString& html);
+// Content between `startTag` and `stopTag` in `html`, searched with the letters A to Z in either
+// case, cut out of `html` as given. Each entry begins with the rest of the start tag (its
+// attributes and its ">"); an element that is not closed before the next start tag of its kind
+// ends there. One "" entry when nothing was found or a tag is "". At most 10000 entries and
+// 10000 passes. Linear in the text.
+QStringList htmlTagContent(const QString& startTag, const QString& stopTag, const QString& html);
+// The same on UTF-8 bytes: the entries are stretches of `html`.
+QList<QByteArrayView> htmlTagContentUtf8(QByteArrayView startTag, QByteArrayView stopTag,
+                                         QByteArrayView html);
 
 // Every line break (CR LF, lone LF, lone CR) as CR LF, the document's own line break.
 QString toCrLf(const QString& text);

@@ -108,12 +108,27 @@ TEST(HtmlTagContent, CutsBetweenTags) {
         // An unclosed element ends where the next one starts; the search then goes on after
         // that start, so the element that starts there is passed over.
         {"<li>", "</li>", "<li>a<li>b</li><li>c</li>", {">a", ">c"}},
+        // Characters whose lower case is longer or shorter do not move the cut.
+        {"<b>", "</b>", "\xc4\xb0\xe2\x84\xaa<B>\xc3\x9f</B>", {">\xc3\x9f"}},
     };
     for (const Case& c : cases)
         EXPECT_EQ(htmlTagContent(QString::fromUtf8(c.start), QString::fromUtf8(c.stop),
                                  QString::fromUtf8(c.html)),
                   c.expected)
             << c.html;
+}
+
+TEST(HtmlTagContent, TagsWhereverTheyLieInALongText) {
+    // The text is lowered stretch by stretch as the search goes: a tag across the end of a
+    // stretch, or far behind the start, is found all the same.
+    for (qsizetype before : {0, 65530, 65534, 65535, 65536, 200000}) {
+        const QByteArray html =
+            QByteArray(before, 'x') + "<B>v" + QByteArray(1 << 20, 'y') + "</B>";
+        const QList<QByteArrayView> out = htmlTagContentUtf8("<b>", "</b>", html);
+        ASSERT_EQ(out.size(), 1) << before;
+        EXPECT_EQ(out[0].size(), 2 + (1 << 20)) << before;
+        EXPECT_TRUE(out[0].startsWith(">v")) << before;
+    }
 }
 
 TEST(HtmlTagContent, UnfinishedSearchStartsOverUntilThePassLimit) {

@@ -1,0 +1,87 @@
+// Float Font and Remove Formatting in the window: the sizes show in the document, Save RTF
+// writes them and opening the file shows them again.
+
+#include "WindowFixture.h"
+#include "editor/PlainTextEditControl.h"
+#include "editor/RtfDocument.h"
+
+#include <QPlainTextEdit>
+#include <QTextDocument>
+
+#include <gtest/gtest.h>
+
+using namespace ed;
+using namespace ed::test;
+
+namespace {
+
+class FormattingWindowTest : public WindowFixture {
+protected:
+    // The point size of each character the window shows, line by line.
+    std::vector<std::vector<double>> shownSizes() {
+        std::vector<std::vector<double>> lines;
+        const RtfContent content = rtfContentOf(*window_->editControl().widget()->document());
+        for (const RtfParagraph& p : content.paragraphs) {
+            lines.emplace_back();
+            for (const RtfRun& run : p.runs)
+                for (qsizetype i = 0; i < run.text.size(); ++i)
+                    if (!run.text[i].isLowSurrogate())
+                        lines.back().push_back(run.format.pointSize);
+        }
+        return lines;
+    }
+    void run(const QString& item) { window_->trigger(item); }
+};
+
+TEST_F(FormattingWindowTest, FloatFontSurvivesSaveRtfAndReopen) {
+    writeFile(path("wave.txt"), "Hello\r\nW\xf0\x9f\x98\x80rld\r\n");
+    open(path("wave.txt"));
+    EditControl& edit = window_->editControl();
+    ASSERT_EQ(window_->editControl().documentFont().size, 9); // the saved font's
+    edit.setSelStart(1);
+    edit.setSelLength(10); // "ello", the line break, "W", the emoji (two units), "r"
+    dialogs_.answers = {"11"};
+    run("mnuFloatFont");
+    ASSERT_TRUE(dialogs_.messages.empty());
+    const std::vector<std::vector<double>> expected = {
+        {9, 9, 10, 11, 10}, {10, 11, 10, 9, 9}, {}};
+    EXPECT_EQ(shownSizes(), expected);
+    EXPECT_EQ(edit.text(), QString::fromUtf8("Hello\r\nW\xf0\x9f\x98\x80rld\r\n"));
+    EXPECT_EQ(edit.selStart(), 1);
+    EXPECT_EQ(edit.selLength(), 10);
+
+    run("mnuSaveAsRTF");
+    ASSERT_EQ(window_->windowTitle(), path("wave.rtf"));
+    // File > Open keeps the file's formats (a start-up applies the saved font to everything).
+    files_.openAnswers.push_back({path("wave.rtf"), 1});
+    run("mnuOpen");
+    ASSERT_EQ(window_->windowTitle(), path("wave.rtf"));
+    EXPECT_EQ(shownSizes(), expected);
+
+    run("mnuRemoveFormatting");
+    const std::vector<std::vector<double>> plain = {{9, 9, 9, 9, 9}, {9, 9, 9, 9, 9}, {}};
+    EXPECT_EQ(shownSizes(), plain);
+    EXPECT_EQ(edit.text(), QString::fromUtf8("Hello\r\nW\xf0\x9f\x98\x80rld\r\n"));
+    EXPECT_EQ(edit.selStart(), 0);
+    EXPECT_EQ(edit.selLength(), 0);
+}
+
+TEST_F(FormattingWindowTest, FloatFontOnTheWholeOfAManyLineDocument) {
+    // Lines are held several to a block: each line break still takes one size.
+    QByteArray bytes;
+    for (int i = 0; i < 40; ++i)
+        bytes += "ab\r\n";
+    writeFile(path("lines.txt"), bytes);
+    open(path("lines.txt"));
+    dialogs_.answers = {"10"};
+    run("mnuFloatFont"); // nothing selected: the whole text, sizes 9, 10, 9, 10, ...
+    const std::vector<std::vector<double>> sizes = shownSizes();
+    ASSERT_EQ(sizes.size(), 41u);
+    for (size_t i = 0; i < 40; ++i) {
+        // Three sizes a line (a, b, the break): the line starts on the size after the last.
+        const double first = i % 2 == 0 ? 9 : 10;
+        EXPECT_EQ(sizes[i], (std::vector<double>{first, first == 9 ? 10.0 : 9.0})) << i;
+    }
+}
+
+} // namespace
