@@ -161,7 +161,7 @@ void mnuShowASCII_Click(CommandContext& ctx) {
         lines << describeCodePoint(cp);
         i += len;
     }
-    ctx.dialogs.messageBox(lines.join(kCrLf), QStringLiteral("Char To ASCII"), Buttons::Ok,
+    ctx.dialogs.messageBox(lines.join(QStringLiteral("\r\n")), QStringLiteral("Char To ASCII"), Buttons::Ok,
                            Icon::Information);
 }
 

@@ -118,6 +118,25 @@ private:
 
 } // namespace
 
+QByteArray switchAtMarker(QByteArrayView text, const QString& marker) {
+    Marker m(marker);
+    ByteWriter out(text.size() + kBreak.size());
+    qsizetype done = 0; // the text before this is written
+    m.forEachHit(text, 1, [&](qsizetype start, qsizetype end, qsizetype at) {
+        out.append(text.sliced(done, start - done));
+        const QByteArrayView line = text.sliced(start, end - start);
+        const qsizetype from = at - start;
+        const qsizetype length = m.lengthAt(line, from);
+        out.append(line.sliced(from + length));
+        out.append(line.sliced(from, length));
+        out.append(line.first(from));
+        done = end;
+    });
+    out.append(text.sliced(done));
+    out.append(kBreak);
+    return std::move(out).finish();
+}
+
 qint32 occurrenceNumber(const QString& field) {
     const QString s = field.trimmed();
     bool ok = false;

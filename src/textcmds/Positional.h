@@ -21,6 +21,11 @@ void mnuInsertTextAt_Click(CommandContext& ctx);
 void mnuRemoveLeftSide_Click(CommandContext& ctx);
 void mnuRemoveRightSide_Click(CommandContext& ctx);
 
+// Every line holding `marker` (not empty; found as the positional edits find theirs) as the text
+// after its first occurrence, the occurrence as it stands, and the text before it; the other lines
+// as they are; each line followed by CR LF.
+QByteArray switchAtMarker(QByteArrayView text, const QString& marker);
+
 // The occurrence field of an answer as a 32-bit signed number: surrounding white space allowed,
 // a decimal fraction rounded half to even. Anything else throws RuntimeError (not a number, or
 // out of range).

@@ -188,28 +188,7 @@ void mnuSwitchRearToFront_Click(CommandContext& ctx) {
                          QStringLiteral("Enter text"), QStringLiteral("Previous Switch At Text"));
     if (!answer)
         return;
-    // The marker is found as the positional edits find theirs: in lower case, on UTF-16 text.
-    MarkerSearch search(*answer);
-    QString line16; // each line decoded into the same buffer
-    const QByteArray text = ctx.edit.utf8();
-    ctx.edit.setUtf8(mapModelLines(
-        text,
-        [&](QByteArrayView line, ByteWriter& out) {
-            fromModelUtf8(line, line16);
-            const qsizetype p = search.nth(line16, 1);
-            if (p < 0) {
-                out.append(line);
-            } else {
-                const qsizetype markerStart = byteOffsetOf(line, p);
-                const qsizetype rearStart =
-                    markerStart + byteOffsetOf(line.sliced(markerStart), search.markerLength());
-                out.append(line.sliced(rearStart));
-                out.append(line.sliced(markerStart, rearStart - markerStart));
-                out.append(line.first(markerStart));
-            }
-            out.append(kCrLfBytes);
-        },
-        text.size() + 2));
+    ctx.edit.setUtf8(switchAtMarker(ctx.edit.utf8(), *answer));
 }
 
 void mnuReNumberArrayElements_Click(CommandContext& ctx) {

@@ -76,11 +76,6 @@ QString fromModelUtf8(QByteArrayView bytes) {
     return out;
 }
 
-void fromModelUtf8(QByteArrayView bytes, QString& into) {
-    into.resize(bytes.size());
-    into.truncate(decodeModelUtf8(bytes, reinterpret_cast<char16_t*>(into.data())));
-}
-
 qsizetype decodeModelUtf8(QByteArrayView bytes, char16_t* out) {
     const qsizetype n = bytes.size();
     char16_t* d = out;

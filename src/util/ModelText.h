@@ -21,8 +21,6 @@ namespace ed {
 // UTF-16 text <-> model bytes.
 QByteArray toModelUtf8(QStringView text);
 QString fromModelUtf8(QByteArrayView bytes);
-// The same into `into`, whose buffer is reused: decoding line after line allocates nothing.
-void fromModelUtf8(QByteArrayView bytes, QString& into);
 // The same written at `out`, which has room for bytes.size() units; returns the units written.
 qsizetype decodeModelUtf8(QByteArrayView bytes, char16_t* out);
 

@@ -24,8 +24,9 @@ TEST_P(OpenCommandsBatch, WritesTheResult) {
     const EditorRun r = runEditorBatch(c.args + QStringList{"--report"}, c.document);
     EXPECT_EQ(r.exitCode, 0) << r.report.join('\n');
     EXPECT_EQ(r.out, c.expected);
-    if (c.reported)
+    if (c.reported) {
         EXPECT_TRUE(r.report.contains(QString::fromUtf8(c.reported))) << r.report.join('\n');
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
