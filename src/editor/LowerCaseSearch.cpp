@@ -1,7 +1,7 @@
 #include "editor/LowerCaseSearch.h"
 
 #include "util/ModelText.h"
-#include "util/SubstringFinder.h"
+#include "util/ByteSearch.h"
 #include "util/Utf8.h"
 
 #include <QChar>
@@ -133,7 +133,7 @@ qsizetype indexOfIgnoringCase(QByteArrayView text, QByteArrayView needle, qsizet
     const QByteArray pattern = lowerSameLength(needle);
     if (pattern.isEmpty())
         return from;
-    const SubstringFinder finder(pattern);
+    const ByteSearch finder(pattern);
     const LowerCaseTable& table = LowerCaseTable::instance();
 
     // The text is lowered a piece at a time behind the last pattern.size() - 1 bytes (or a few
@@ -152,7 +152,7 @@ qsizetype indexOfIgnoringCase(QByteArrayView text, QByteArrayView needle, qsizet
         while (end < n && isContinuation(text[end]))
             ++end; // whole characters only
         const qsizetype filled = lowerInto(s + at, end - at, buf + kept, table) - buf;
-        const qsizetype hit = finder.indexIn(QByteArrayView(buf, filled));
+        const qsizetype hit = finder.find(QByteArrayView(buf, filled));
         if (hit >= 0) {
             const qsizetype before = units + utf16Length(text.sliced(start, at - start));
             return hit >= kept ? before + utf16Length(QByteArrayView(buf + kept, hit - kept))

@@ -3,7 +3,7 @@
 #include "app/Trap.h"
 #include "editor/LowerCaseSearch.h"
 #include "util/ByteWriter.h"
-#include "util/SubstringFinder.h"
+#include "util/ByteSearch.h"
 
 #include <QFileInfo>
 
@@ -92,8 +92,8 @@ void replaceAllBody(CommandContext& ctx) {
     ctx.settings.save(kSection, kReplaceWith, with);
 
     const QByteArray text = ctx.edit.utf8();
-    const SubstringFinder finder(toModelUtf8(find));
-    qsizetype hit = finder.indexIn(text);
+    const ByteSearch finder(toModelUtf8(find));
+    qsizetype hit = finder.find(text);
     if (hit < 0) {
         ctx.dialogs.messageBox(kNotFound, defaultTitle(), Buttons::Ok, Icon::None);
         return;
@@ -102,14 +102,14 @@ void replaceAllBody(CommandContext& ctx) {
         with = QStringLiteral("\r\n");
     const QByteArray replacement = toModelUtf8(with);
     // Left to right without overlap, in one pass; the untouched stretches are copied whole.
-    const qsizetype growth = std::max<qsizetype>(0, replacement.size() - finder.size());
+    const qsizetype growth = std::max<qsizetype>(0, replacement.size() - finder.pattern().size());
     ByteWriter out(text.size() + (growth ? text.size() / 8 + growth : 0));
     qsizetype done = 0;
     while (hit >= 0) {
         out.append(QByteArrayView(text).sliced(done, hit - done));
         out.append(replacement);
-        done = hit + finder.size();
-        hit = finder.indexIn(text, done);
+        done = hit + finder.pattern().size();
+        hit = finder.find(text, done);
     }
     out.append(QByteArrayView(text).sliced(done));
     ctx.edit.setUtf8(std::move(out).finish());
