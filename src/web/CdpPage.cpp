@@ -60,9 +60,11 @@ CdpPage::CdpPage(const BrowserHandle& window, const Endpoint& endpoint, const Cd
     mainFrameId_ =
         tree.value(QStringLiteral("frame")).toObject().value(QStringLiteral("id")).toString();
     rememberFrames(tree);
+    // Each attached target waits until its events are switched on (see attachedToTarget), so a
+    // quick frame of another site cannot finish loading unseen.
     client_->call(QStringLiteral("Target.setAutoAttach"),
                   {{QStringLiteral("autoAttach"), true},
-                   {QStringLiteral("waitForDebuggerOnStart"), false},
+                   {QStringLiteral("waitForDebuggerOnStart"), true},
                    {QStringLiteral("flatten"), true}});
     // The browser names every target that exists already before it answers; only those
     // created afterwards are new windows.
@@ -112,10 +114,11 @@ void CdpPage::onEvent(const QString& method, const QJsonObject& params, const QS
             client_->post(QStringLiteral("Page.enable"), {}, child);
             client_->post(QStringLiteral("Target.setAutoAttach"),
                           {{QStringLiteral("autoAttach"), true},
-                           {QStringLiteral("waitForDebuggerOnStart"), false},
+                           {QStringLiteral("waitForDebuggerOnStart"), true},
                            {QStringLiteral("flatten"), true}},
                           child);
         }
+        // Every attached target (frames, workers) waits on start until told to run.
         client_->post(QStringLiteral("Runtime.runIfWaitingForDebugger"), {}, child);
     } else if (method == u"Target.detachedFromTarget") {
         const QString child = params.value(QStringLiteral("sessionId")).toString();
