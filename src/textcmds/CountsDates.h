@@ -14,7 +14,4 @@ void mnuInsertDate_Click(CommandContext& ctx);
 void mnuInsertTime_Click(CommandContext& ctx);
 void mnuInsertDateTime_Click(CommandContext& ctx);
 
-// How many CR LF pairs the text holds (its lines are one more).
-qsizetype countLineBreaks(QByteArrayView text);
-
 } // namespace ed

@@ -1,6 +1,5 @@
 #include "textcmds/PrefixSuffix.h"
 
-#include "textcmds/CountsDates.h"
 #include "textcmds/Framework.h"
 #include "util/ByteWriter.h"
 
@@ -88,7 +87,7 @@ QByteArray affixLines(QByteArrayView text, const QByteArray& pre, const QByteArr
     head.append(QByteArray(kSpare, '\0'));
     tail.append(QByteArray(kSpare, '\0'));
     // The result is at most every line with the whole prefix, suffix and break.
-    const qsizetype lines = countLineBreaks(text) + 1;
+    const qsizetype lines = countModelLines(text);
     ByteWriter out(text.size() + lines * (pre.size() + suf.size()) + kBreak.size() + 3 * kSpare);
     forEachModelLine(text, [&](QByteArrayView line) {
         char* d = out.room(pre.size() + line.size() + suf.size() + kBreak.size() + 3 * kSpare);

@@ -30,7 +30,9 @@ qsizetype utf16Length(QByteArrayView bytes);
 // pair maps to the start of its character.
 qsizetype byteOffsetOf(QByteArrayView bytes, qsizetype pos);
 
-// Number of lines (pieces split at CR LF, the last one included even when empty).
+// How many CR LF pairs the text holds.
+qsizetype countLineBreaks(QByteArrayView text);
+// Number of lines (pieces split at CR LF, the last one included even when empty): one more.
 qsizetype countModelLines(QByteArrayView text);
 
 // Calls f(line) for every piece of `text` split at CR LF, the last (possibly empty) one included.

@@ -2,6 +2,7 @@
 
 #include "app/Trap.h"
 #include "editor/ClipboardCommands.h"
+#include "web/ActiveSession.h"
 #include "web/BrowserPort.h"
 #include "web/cIEObject.h"
 
@@ -16,30 +17,6 @@ namespace {
 constexpr const char* kModule = "frmEdit";
 const QString kSection = QStringLiteral("frmEdit");
 const QString kCrLf = QStringLiteral("\r\n");
-
-// Tells the user why nothing came from the browser.
-void reportNoBrowser(CommandContext& ctx) {
-    ctx.window.showStatus(ctx.browser
-                              ? noBrowserMessage(*ctx.browser)
-                              : QStringLiteral("no browser found: this window has no browser "
-                                               "connection"));
-}
-
-// A fresh session for one command, attached to the active browser window. Null when there is
-// no browser connection at all; not initialized when no browser answers. Either way the user
-// is told, and every operation of the session then gives its empty result.
-std::unique_ptr<web::cIEObject> openSession(CommandContext& ctx) {
-    if (!ctx.browser) {
-        reportNoBrowser(ctx);
-        return nullptr;
-    }
-    std::unique_ptr<web::cIEObject> ie = ctx.browser->createSession();
-    const web::BrowserHandle active = ie->GetActiveBrowser(false);
-    ie->InitializeObject(active);
-    if (!ie->Initialized())
-        reportNoBrowser(ctx);
-    return ie;
-}
 
 [[noreturn]] void fail(const QString& message) {
     throw RuntimeError(message.toStdString());

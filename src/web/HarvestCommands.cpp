@@ -1,6 +1,7 @@
 #include "web/HarvestCommands.h"
 
 #include "editor/ClipboardCommands.h"
+#include "web/ActiveSession.h"
 #include "web/BrowserPort.h"
 #include "web/cIEObject.h"
 
@@ -11,22 +12,6 @@ namespace ed {
 namespace {
 
 const QString kSection = QStringLiteral("frmEdit");
-
-// A fresh session attached to the active browser window, never starting one. Null when this
-// context has no browser connection; either way, when no browser answers the status bar says
-// where the program looked, and the session's operations give their empty results.
-std::unique_ptr<web::cIEObject> attachToActiveBrowser(CommandContext& ctx) {
-    std::unique_ptr<web::cIEObject> ie;
-    if (ctx.browser) {
-        ie = ctx.browser->createSession();
-        ie->InitializeObject(ie->GetActiveBrowser(false));
-    }
-    if (!ie || !ie->Initialized())
-        ctx.window.showStatus(ctx.browser ? noBrowserMessage(*ctx.browser)
-                                          : QStringLiteral("no browser found: this window has "
-                                                           "no browser connection"));
-    return ie;
-}
 
 QString asLines(const QStringList& entries) {
     QString text;
@@ -59,17 +44,17 @@ bool askStartAndStopTags(CommandContext& ctx, const QString& title, QString& sta
 }
 
 void mnuGetBrowserEmail_Click(CommandContext& ctx) {
-    const auto ie = attachToActiveBrowser(ctx);
+    const auto ie = openSession(ctx);
     InsertText(ctx, ie ? asLines(ie->CollectEmail()) : QString());
 }
 
 void mnuGetPhoneNumbers_Click(CommandContext& ctx) {
-    const auto ie = attachToActiveBrowser(ctx);
+    const auto ie = openSession(ctx);
     InsertText(ctx, ie ? asLines(ie->CollectPhoneNumbers(false)) : QString());
 }
 
 void mnuGetFaxNumbers_Click(CommandContext& ctx) {
-    const auto ie = attachToActiveBrowser(ctx);
+    const auto ie = openSession(ctx);
     InsertText(ctx, ie ? asLines(ie->CollectPhoneNumbers(true)) : QString());
 }
 
@@ -77,7 +62,7 @@ void mnuAnyTagContent_Click(CommandContext& ctx) {
     QString start, stop;
     if (!askStartAndStopTags(ctx, QStringLiteral("Any Tag Content"), start, stop))
         return;
-    const auto ie = attachToActiveBrowser(ctx);
+    const auto ie = openSession(ctx);
     InsertText(ctx, ie ? asLines(ie->Get_HtmlTag_Content(start, stop, QString())) : QString());
 }
 

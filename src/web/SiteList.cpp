@@ -1,6 +1,7 @@
 #include "web/SiteList.h"
 
 #include "app/Trap.h"
+#include "web/ActiveSession.h"
 #include "web/BrowserPort.h"
 #include "web/WebText.h"
 #include "web/cIEObject.h"
@@ -87,8 +88,7 @@ void endWalk(CommandContext& ctx, SiteListState& s) {
 
 void showInBrowser(CommandContext& ctx, const QString& address) {
     if (!ctx.browser) {
-        ctx.window.showStatus(
-            QStringLiteral("no browser found: this window has no browser connection"));
+        ctx.window.showStatus(noConnectionMessage());
         return;
     }
     const std::unique_ptr<web::cIEObject> ie = ctx.browser->createSession();

@@ -3,6 +3,7 @@
 #include "app/Trap.h"
 #include "textcmds/Framework.h"
 #include "util/SafeFileWrite.h"
+#include "web/ActiveSession.h"
 #include "web/BrowserPort.h"
 #include "web/DownloadNames.h"
 #include "web/SiteList.h"
@@ -71,8 +72,7 @@ void mnuSearchGoogle_Click(CommandContext& ctx) {
 
 void mnuSaveWebPage_Click(CommandContext& ctx) {
     if (!ctx.browser) {
-        ctx.window.showStatus(
-            QStringLiteral("no browser found: this window has no browser connection"));
+        ctx.window.showStatus(noConnectionMessage());
         return;
     }
     const std::unique_ptr<web::cIEObject> ie = ctx.browser->createSession();
