@@ -112,4 +112,26 @@ QByteArray writeRtf(const RtfContent& content) {
     return out;
 }
 
+RtfContent plainRtfContent(QStringView model, const RtfCharFormat& format) {
+    RtfContent content;
+    QString line;
+    const auto endParagraph = [&] {
+        RtfParagraph p;
+        if (!line.isEmpty())
+            p.runs.append(RtfRun{std::exchange(line, QString()), format});
+        content.paragraphs.append(std::move(p));
+    };
+    for (qsizetype i = 0; i < model.size(); ++i) {
+        const QChar c = model[i];
+        if (c == u'\r' && i + 1 < model.size() && model[i + 1] == u'\n')
+            ++i;
+        if (c == u'\r' || c == u'\n' || c == QChar::ParagraphSeparator)
+            endParagraph();
+        else if (c != QChar(0))
+            line += c;
+    }
+    endParagraph();
+    return content;
+}
+
 } // namespace ed

@@ -7,16 +7,14 @@
 
 #include <QByteArray>
 
-class QTextDocument;
-
 namespace ed {
 
 // Reading the result gives the content back exactly (parseRtf(writeRtf(c)) == c for any c the
 // reader produces).
 QByteArray writeRtf(const RtfContent& content);
 
-// The document's text and character formats (see rtfContentOf); defined with the other
-// QTextDocument conversions in RtfDocument.cpp, so that this file needs Qt Core only.
-QByteArray writeRtf(const QTextDocument& doc);
+// A plain text (CR LF breaks) as content in one format: a paragraph per line; a lone CR or LF
+// and U+2029 break paragraphs too, and NUL, which RTF cannot hold, is left out.
+RtfContent plainRtfContent(QStringView model, const RtfCharFormat& format);
 
 } // namespace ed
