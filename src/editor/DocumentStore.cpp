@@ -2,13 +2,13 @@
 
 #include "editor/PlainTextEditControl.h"
 #include "editor/RtfDocument.h"
+#include "editor/RtfPlain.h"
 #include "editor/RtfReader.h"
 #include "editor/RtfWriter.h"
 
 #include "editor/BusyWork.h"
 
 #include <QPlainTextEdit>
-#include <QTextCursor>
 #include <QTextDocument>
 #include <QThread>
 
@@ -76,9 +76,8 @@ bool TextDocumentFiles::loadRtf(const QByteArray& bytes, QString&) {
 }
 
 QByteArray TextDocumentFiles::saveRtf() {
-    QTextDocument doc;
-    QTextCursor(&doc).insertText(modelToWidgetText(edit_.text()));
-    return writeRtf(doc);
+    // No window, no fonts of its own: the text in the default font.
+    return plainTextToRtf(edit_.utf8(), FontSpec());
 }
 
 bool TextDocumentFiles::save(const QString& path, bool rtf, QString& error) {

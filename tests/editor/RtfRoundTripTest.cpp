@@ -1,5 +1,5 @@
-// Writing a document as RTF and reading it back gives the same text and the same formats; the
-// writer's escapes are what other readers expect; loading replaces the document in one undo step.
+// Writing a QTextDocument as RTF and reading it back gives the same text and the same formats;
+// loading replaces the document in one undo step.
 
 #include "editor/RtfDocument.h"
 #include "editor/RtfReader.h"
@@ -81,40 +81,6 @@ const DocCase kDocs[] = {
 
 INSTANTIATE_TEST_SUITE_P(Documents, RtfRoundTripTest, ::testing::ValuesIn(kDocs),
                          [](const auto& info) { return std::string(info.param.name); });
-
-struct EscapeCase {
-    const char* text;    // UTF-8
-    const char* written; // what the writer puts in the body for it
-};
-
-TEST(RtfWriter, EscapesText) {
-    const EscapeCase cases[] = {
-        {"a\\b{c}d", "a\\\\b\\{c\\}d"}, {"\t", "\\tab "},
-        {"\xE2\x80\xA8", "\\line "},    {"é", "\\u233\\'e9"},
-        {"€", "\\u8364\\'80"},          {"Ω", "\\u937?"},
-        {"\xEF\x82\xB7", "\\u-3913?"},  {"😀", "\\u-10179?\\u-8704?"},
-    };
-    for (const EscapeCase& c : cases) {
-        RtfContent content;
-        content.paragraphs.append(RtfParagraph{{RtfRun{QString::fromUtf8(c.text), fmt("A", 12)}}});
-        const QByteArray rtf = writeRtf(content);
-        EXPECT_TRUE(rtf.contains(QByteArray("\\fs24 ") + c.written + "\\par")) << rtf.toStdString();
-    }
-}
-
-TEST(RtfWriter, WritesTablesAndRunFormats) {
-    QTextDocument doc;
-    fill(doc, {{"x", fmt("Arial", 11, true, false, true, 0x102030)},
-               {"\ny", fmt("Times New Roman", 12)}});
-    const QByteArray rtf = writeRtf(doc);
-    EXPECT_TRUE(rtf.startsWith("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1"));
-    EXPECT_TRUE(
-        rtf.contains("{\\f0\\fnil\\fcharset0 Arial;}{\\f1\\fnil\\fcharset0 Times New Roman;}"));
-    EXPECT_TRUE(rtf.contains("{\\colortbl;\\red16\\green32\\blue48;}"));
-    EXPECT_TRUE(rtf.contains("\\plain\\f0\\fs22\\b\\ul\\cf1 x\\par"));
-    EXPECT_TRUE(rtf.contains("\\plain\\f1\\fs24 y\\par"));
-    EXPECT_TRUE(rtf.endsWith("}"));
-}
 
 TEST(RtfDocument, UnformattedTextTakesTheDefaultFont) {
     QTextDocument doc;
