@@ -74,6 +74,11 @@ struct View {
         ASSERT_TRUE(styles.loadRtf(rtf, &error, &notice)) << error.toStdString();
         EXPECT_TRUE(notice.isEmpty()) << notice.toStdString();
     }
+    // Paints the view, which asks for styling up to the end of what it shows.
+    void paint() {
+        sci.resize(400, 300);
+        sci.viewport()->grab();
+    }
     RtfContent saved() const { return parseRtf(styles.saveRtf()); }
     // "family size [b][i][u][#rrggbb]" of every character of the saved document, in order.
     QStringList charFormats() const {
@@ -348,7 +353,10 @@ TEST(ViewStyles, TypedTextTakesTheFormatBeforeIt) {
     for (const InheritCase& c : cases) {
         View view;
         view.load("{\\rtf1 {\\b bold}plain\\par next}");
+        view.paint();
         view.insert(c.at, "\xC3\xA9");
+        view.paint();
+        EXPECT_EQ(view.sci.SendScintilla(Sci::SCI_GETENDSTYLED), view.text().size());
         const QStringList formats = view.charFormats();
         const qsizetype charIndex =
             QString::fromUtf8(view.text().left(c.at)).remove('\r').remove('\n').size();
