@@ -4,40 +4,7 @@
 
 #include <QHash>
 
-#include <utility>
-
 namespace ed {
-
-namespace {
-
-inline bool startsCharacter(char b) {
-    return (uchar(b) & 0xC0) != 0x80;
-}
-
-// Builds paragraphs run by run, merging neighbours of the same format.
-class ContentBuilder {
-public:
-    void add(QByteArrayView bytes, const RtfCharFormat& format) {
-        if (bytes.isEmpty())
-            return;
-        QList<RtfRun>& runs = paragraph_.runs;
-        if (!runs.isEmpty() && runs.last().format == format)
-            runs.last().text += fromModelUtf8(bytes);
-        else
-            runs.append(RtfRun{fromModelUtf8(bytes), format});
-    }
-    void endParagraph() { content_.paragraphs.append(std::exchange(paragraph_, RtfParagraph())); }
-    RtfContent finish() {
-        endParagraph();
-        return std::move(content_);
-    }
-
-private:
-    RtfContent content_;
-    RtfParagraph paragraph_;
-};
-
-} // namespace
 
 size_t qHash(const RtfCharFormat& f, size_t seed) noexcept {
     return qHashMulti(seed, f.family, f.pointSize, f.bold, f.italic, f.underline,
@@ -93,36 +60,10 @@ RtfText rtfTextOf(const RtfContent& content) {
     return out;
 }
 
-RtfContent rtfContentOf(QByteArrayView text, QByteArrayView styles,
-                        const std::array<RtfCharFormat, 256>& formatOf) {
-    ContentBuilder out;
-    const char* p = text.data();
-    const qsizetype n = text.size();
-    auto styleAt = [&](qsizetype i) { return styles.isEmpty() ? 0 : int(uchar(styles[i])); };
-    qsizetype runStart = 0;
-    int style = n > 0 ? styleAt(0) : 0;
-    for (qsizetype i = 0; i < n; ++i) {
-        if (p[i] == '\r' && i + 1 < n && p[i + 1] == '\n') {
-            out.add(QByteArrayView(p + runStart, i - runStart), formatOf[size_t(style)]);
-            out.endParagraph();
-            runStart = i + 2;
-            ++i;
-            if (runStart < n)
-                style = styleAt(runStart);
-        } else if (startsCharacter(p[i]) && styleAt(i) != style) {
-            out.add(QByteArrayView(p + runStart, i - runStart), formatOf[size_t(style)]);
-            runStart = i;
-            style = styleAt(i);
-        }
-    }
-    out.add(QByteArrayView(p + runStart, n - runStart), formatOf[size_t(style)]);
-    return out.finish();
-}
-
 QByteArray plainTextToRtf(QByteArrayView modelUtf8, const FontSpec& font) {
     std::array<RtfCharFormat, 256> formatOf;
     formatOf[0] = rtfFormatOf(font);
-    return writeRtf(rtfContentOf(modelUtf8, {}, formatOf));
+    return writeRtf(modelUtf8, {}, formatOf);
 }
 
 } // namespace ed

@@ -11,9 +11,6 @@
 #include <QHashFunctions>
 #include <QList>
 
-#include <array>
-#include <optional>
-
 namespace ed {
 
 size_t qHash(const RtfCharFormat& format, size_t seed = 0) noexcept;
@@ -38,12 +35,6 @@ struct RtfText {
     QList<RtfCharFormat> formats;
 };
 RtfText rtfTextOf(const RtfContent& content);
-
-// The other way: `text` whose byte i has the format formatOf[styles[i]] (all style 0 when
-// `styles` is empty). A CR LF ends a paragraph; the format of a character is that of its first
-// byte.
-RtfContent rtfContentOf(QByteArrayView text, QByteArrayView styles,
-                        const std::array<RtfCharFormat, 256>& formatOf);
 
 // A document of plain text as RTF, every character in `font`.
 QByteArray plainTextToRtf(QByteArrayView modelUtf8, const FontSpec& font);

@@ -6,6 +6,9 @@
 #include "editor/RtfContent.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
+
+#include <array>
 
 class QTextDocument;
 
@@ -14,6 +17,13 @@ namespace ed {
 // Reading the result gives the content back exactly (parseRtf(writeRtf(c)) == c for any c the
 // reader produces).
 QByteArray writeRtf(const RtfContent& content);
+
+// The same for text as the edit view holds it: UTF-8 bytes whose CR LF pairs end paragraphs,
+// the character starting at byte i in formats[styles[i]] (all in formats[0] when `styles` is
+// empty). Gives what writeRtf gives for the content those paragraphs and runs make, without
+// building it.
+QByteArray writeRtf(QByteArrayView text, QByteArrayView styles,
+                    const std::array<RtfCharFormat, 256>& formats);
 
 // The document's text and character formats (see rtfContentOf); defined with the other
 // QTextDocument conversions in RtfDocument.cpp, so that this file needs Qt Core only.

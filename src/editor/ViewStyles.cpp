@@ -301,7 +301,7 @@ QByteArray ViewStyles::saveRtf() const {
     }
     const qsizetype n = length();
     const QByteArray styles = readStyles(0, n);
-    return writeRtf(rtfContentOf(QByteArrayView(bytes(), n), styles, formatOf));
+    return writeRtf(QByteArrayView(bytes(), n), styles, formatOf);
 }
 
 void ViewStyles::setFont(qsizetype start, qsizetype length, const FontSpec& font) {
