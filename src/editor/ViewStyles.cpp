@@ -388,24 +388,29 @@ StyleSnapshot ViewStyles::snapshot(qsizetype start, qsizetype length) const {
     const qsizetype total = this->length();
     StyleSnapshot out;
     out.start = std::clamp<qsizetype>(start, 0, total);
-    out.styles = readStyles(out.start, std::clamp<qsizetype>(length, 0, total - out.start));
+    out.length = std::clamp<qsizetype>(length, 0, total - out.start);
+    out.styles = readStyles(out.start, out.length);
     out.rich = rich_;
     std::array<bool, 256> present{};
     for (char c : std::as_const(out.styles))
         present[uchar(c)] = true;
-    for (int s = 255; s > 0; --s) {
-        if (present[size_t(s)] && out.formats.isEmpty())
-            out.formats.resize(s + 1);
+    int last = 0;
+    for (int s = 0; s < 256; ++s)
+        last = present[size_t(s)] ? s : last;
+    out.formats.resize(last + 1);
+    for (int s = 1; s <= last; ++s)
         if (present[size_t(s)])
             out.formats[s] = formats_[size_t(s)];
-    }
+    if (std::count(present.begin(), present.end(), true) == 1)
+        out.styles.truncate(1);
     return out;
 }
 
 void ViewStyles::restore(const StyleSnapshot& snapshot) {
-    const qsizetype total = length();
-    const qsizetype start = std::min(snapshot.start, total);
-    const QByteArray source = snapshot.styles.left(total - start);
+    const qsizetype start = std::min(snapshot.start, length());
+    const qsizetype n = std::min(snapshot.length, length() - start);
+    const QByteArray source =
+        snapshot.styles.size() == 1 ? QByteArray(n, snapshot.styles[0]) : snapshot.styles.left(n);
     rewrite(
         start, source, 256, [](int style, qsizetype) { return style; },
         [&](qsizetype style) {

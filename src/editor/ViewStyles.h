@@ -24,7 +24,9 @@ namespace ed {
 // The formats of a stretch of the text as they were, to be put back by an undo.
 struct StyleSnapshot {
     qsizetype start = 0;
-    QByteArray styles; // the style of each byte
+    qsizetype length = 0;
+    // The style of each byte; a single one when all bytes had the same (a plain stretch).
+    QByteArray styles;
     // What each style number of `styles` showed; none: the document's font.
     QList<std::optional<RtfCharFormat>> formats;
     bool rich = false;

@@ -314,6 +314,17 @@ TEST(ViewStyles, SnapshotPutsFormatsBackAfterAnyChange) {
     view.styles.restore(whole);
     EXPECT_EQ(view.styles.saveRtf(), original);
     EXPECT_TRUE(view.styles.isRich());
+
+    // A plain document's snapshot is small, and brings the plain document back.
+    View plain;
+    plain.setText(QByteArray(100000, 'p'));
+    const QByteArray before = plain.styles.saveRtf();
+    const StyleSnapshot unformatted = plain.styles.snapshot(0, 100000);
+    EXPECT_LT(unformatted.memoryBytes(), 100);
+    plain.styles.setSizeCycle(0, 100000, {10, 20, 30});
+    plain.styles.restore(unformatted);
+    EXPECT_FALSE(plain.styles.isRich());
+    EXPECT_EQ(plain.styles.saveRtf(), before);
 }
 
 TEST(ViewStyles, StylesNoLongerShownAreReusedAndExhaustionIsReported) {
