@@ -91,6 +91,8 @@ const char* ViewStyles::bytes() const {
 }
 
 QByteArray ViewStyles::readStyles(qsizetype start, qsizetype length) const {
+    if (!rich_) // every byte of a plain document has style 0
+        return QByteArray(length, '\0');
     QByteArray out(length, Qt::Uninitialized);
     QByteArray pairs;
     for (qsizetype at = 0; at < length;) {
@@ -300,7 +302,7 @@ QByteArray ViewStyles::saveRtf() const {
             formatOf[size_t(s)].family = documentFont_.name;
     }
     const qsizetype n = length();
-    const QByteArray styles = readStyles(0, n);
+    const QByteArray styles = rich_ ? readStyles(0, n) : QByteArray();
     return writeRtf(QByteArrayView(bytes(), n), styles, formatOf);
 }
 
@@ -417,7 +419,20 @@ void ViewStyles::restore(const StyleSnapshot& snapshot) {
             return style < snapshot.formats.size() ? snapshot.formats[style]
                                                    : std::optional<RtfCharFormat>();
         });
-    rich_ = snapshot.rich;
+    if (snapshot.rich || !rich_)
+        rich_ = snapshot.rich;
+    else // a plain stretch came back: the document is plain again when no format is left
+        rich_ = hasOwnFormats();
+}
+
+bool ViewStyles::hasOwnFormats() const {
+    const qsizetype total = length();
+    for (qsizetype at = 0; at < total; at += kStyleChunk) {
+        const QByteArray chunk = readStyles(at, std::min(kStyleChunk, total - at));
+        if (std::any_of(chunk.begin(), chunk.end(), [](char c) { return c != 0; }))
+            return true;
+    }
+    return false;
 }
 
 } // namespace ed

@@ -87,6 +87,9 @@ private:
 
     qsizetype length() const;
     const char* bytes() const;
+    // True when a byte has another style than 0 (read, not from the flag).
+    bool hasOwnFormats() const;
+    // The style of each byte of a stretch. Only a rich document has other styles than 0.
     QByteArray readStyles(qsizetype start, qsizetype length) const;
     void writeStyles(qsizetype start, const QByteArray& styles);
     void defineStyle(int style);
