@@ -69,6 +69,8 @@ QString mergedNotice(qsizetype formats, qsizetype merged) {
 }
 
 constexpr qsizetype kStyleChunk = qsizetype(1) << 20;
+// How much the formats of deleted text may take, awaiting an undo.
+constexpr qsizetype kDeletionMemory = qsizetype(64) << 20;
 
 } // namespace
 
@@ -79,7 +81,42 @@ ViewStyles::ViewStyles(QsciScintillaBase* view) : QObject(view), view_(view) {
     // is (new text has style 0 until inheritFormat gives it its neighbour's).
     connect(view_, &QsciScintillaBase::SCN_STYLENEEDED, this,
             [this](int) { send(view_, Sci::SCI_STARTSTYLING, length()); });
+    connect(view_, &QsciScintillaBase::SCN_MODIFIED, this,
+            [this](int position, int type, const char*, int length) {
+                modified(position, type, length);
+            });
     setDocumentFont(documentFont_);
+}
+
+void ViewStyles::modified(int position, int type, int length) {
+    const bool byUndo = type & Sci::SC_PERFORMED_UNDO;
+    if (type & Sci::SC_MOD_BEFOREDELETE) {
+        deletions_.append(Deletion{snapshot(position, length), byUndo});
+        deletionBytes_ += deletions_.last().styles.memoryBytes();
+        while (deletionBytes_ > kDeletionMemory && deletions_.size() > 1)
+            deletionBytes_ -= deletions_.takeFirst().styles.memoryBytes();
+        return;
+    }
+    if (!(type & Sci::SC_MOD_INSERTTEXT) ||
+        !(type & (Sci::SC_PERFORMED_UNDO | Sci::SC_PERFORMED_REDO)))
+        return;
+    // An undo puts back what a user's edit or a redo deleted; a redo what an undo deleted. The
+    // newest such deletion of that place and length is the one (older ones were abandoned).
+    for (qsizetype i = deletions_.size() - 1; i >= 0; --i) {
+        const Deletion& d = deletions_[i];
+        if (d.byUndo != !byUndo || d.styles.start != position || d.styles.length != length)
+            continue;
+        const StyleSnapshot back = deletions_.takeAt(i).styles;
+        deletionBytes_ -= back.memoryBytes();
+        if (back.rich || rich_)
+            restore(back);
+        return;
+    }
+}
+
+void ViewStyles::forgetDeletions() {
+    deletions_.clear();
+    deletionBytes_ = 0;
 }
 
 qsizetype ViewStyles::length() const {
@@ -391,8 +428,12 @@ StyleSnapshot ViewStyles::snapshot(qsizetype start, qsizetype length) const {
     StyleSnapshot out;
     out.start = std::clamp<qsizetype>(start, 0, total);
     out.length = std::clamp<qsizetype>(length, 0, total - out.start);
-    out.styles = readStyles(out.start, out.length);
     out.rich = rich_;
+    if (!rich_) { // all style 0
+        out.styles = QByteArray(out.length > 0 ? 1 : 0, '\0');
+        return out;
+    }
+    out.styles = readStyles(out.start, out.length);
     std::array<bool, 256> present{};
     for (char c : std::as_const(out.styles))
         present[uchar(c)] = true;

@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <vector>
 
 using namespace ed;
@@ -348,6 +349,42 @@ TEST(ViewStyles, StylesNoLongerShownAreReusedAndExhaustionIsReported) {
     EXPECT_FALSE(view.styles.takeNotice().isEmpty());
     EXPECT_EQ(view.text(), QByteArray(400, 'x'));
     EXPECT_EQ(view.charFormats().first(), "Arial 1");
+}
+
+// Edits undone and redone by the view itself: what comes back has its formats again.
+TEST(ViewStyles, ViewUndoAndRedoBringFormatsBack) {
+    struct Edit {
+        const char* name;
+        std::function<void(View&)> apply;
+    };
+    const Edit edits[] = {
+        {"Delete", [](View& v) { v.sci.SendScintilla(Sci::SCI_DELETERANGE, 3UL, 8L); }},
+        {"ReplaceSameLength",
+         [](View& v) {
+             v.sci.SendScintilla(Sci::SCI_BEGINUNDOACTION);
+             v.sci.SendScintilla(Sci::SCI_SETTARGETRANGE, 4UL, 9L);
+             v.sci.SendScintilla(Sci::SCI_REPLACETARGET, uintptr_t(5), "HELLO");
+             v.styles.inheritFormat(4, 5);
+             v.sci.SendScintilla(Sci::SCI_ENDUNDOACTION);
+         }},
+        {"Type", [](View& v) { v.insert(8, "xy"); }},
+    };
+    for (const Edit& e : edits) {
+        View view;
+        view.load(writeRtf(contentOf({{"plain ", fmt("Arial", 12)},
+                                      {"bold\nred", fmt("Arial", 12, true, false, false, 0xFF0000)},
+                                      {" end", fmt("Times", 14, false, true, true)}})));
+        view.sci.SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
+        const QByteArray original = view.styles.saveRtf();
+        e.apply(view);
+        const QByteArray edited = view.styles.saveRtf();
+        for (int round = 0; round < 2; ++round) {
+            view.sci.SendScintilla(Sci::SCI_UNDO);
+            EXPECT_EQ(view.styles.saveRtf(), original) << e.name << round;
+            view.sci.SendScintilla(Sci::SCI_REDO);
+            EXPECT_EQ(view.styles.saveRtf(), edited) << e.name << round;
+        }
+    }
 }
 
 struct InheritCase {
