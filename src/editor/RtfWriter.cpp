@@ -46,6 +46,33 @@ void appendText(QByteArray& out, QStringView text) {
     }
 }
 
+// The same for UTF-8 bytes of the model: printable ASCII is copied as it stands, the rest goes
+// through `scratch` as UTF-16.
+void appendModelText(QByteArray& out, QByteArrayView bytes, QString& scratch) {
+    const char* p = bytes.data();
+    const qsizetype n = bytes.size();
+    for (qsizetype i = 0; i < n;) {
+        qsizetype j = i;
+        while (j < n && p[j] >= 0x20 && p[j] < 0x7F && p[j] != '\\' && p[j] != '{' && p[j] != '}')
+            ++j;
+        out.append(p + i, j - i);
+        if (j == n)
+            return;
+        if (uchar(p[j]) < 0x80) {
+            const char16_t c = char16_t(p[j]);
+            appendText(out, QStringView(&c, 1));
+            i = j + 1;
+            continue;
+        }
+        const QByteArrayView rest = bytes.sliced(j);
+        if (scratch.size() < rest.size())
+            scratch.resize(rest.size());
+        const qsizetype units = decodeModelUtf8(rest, reinterpret_cast<char16_t*>(scratch.data()));
+        appendText(out, QStringView(scratch).first(units));
+        return;
+    }
+}
+
 // RTF sizes are half points, from 1 to 1638 points.
 long halfPoints(double pointSize) {
     return std::isfinite(pointSize) ? std::clamp(std::lround(pointSize * 2), 2L, 3276L) : 24L;
@@ -202,11 +229,7 @@ QByteArray writeRtf(QByteArrayView text, QByteArrayView styles,
                 out += switchTo[style];
                 current = style;
             }
-            if (decoded.size() < bytes.size())
-                decoded.resize(bytes.size());
-            const qsizetype units =
-                decodeModelUtf8(bytes, reinterpret_cast<char16_t*>(decoded.data()));
-            appendText(out, QStringView(decoded).first(units));
+            appendModelText(out, bytes, decoded);
         },
         [&] { out += "\\par\r\n"; });
     out += "}";
