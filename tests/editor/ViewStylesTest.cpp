@@ -93,6 +93,12 @@ struct View {
     }
 };
 
+// Three formats, a line break inside the second.
+const QByteArray kRich =
+    writeRtf(contentOf({{"plain ", fmt("Arial", 12)},
+                        {"bold\nred", fmt("Arial", 12, true, false, false, 0xFF0000)},
+                        {" end", fmt("Times", 14, false, true, true)}}));
+
 QString sizeOf(const FontSpec& f) {
     return f.name + ' ' + QString::number(f.size) + (f.bold ? " b" : "") + (f.italic ? " i" : "");
 }
@@ -112,13 +118,10 @@ TEST_P(ViewStylesRoundTrip, LoadThenSaveKeepsTextAndFormats) {
     view.load(rtf);
     EXPECT_TRUE(view.styles.isRich());
     EXPECT_EQ(view.text(), content.plainText().toUtf8());
-    const QByteArray saved = view.styles.saveRtf();
-    EXPECT_EQ(parseRtf(saved), parseRtf(rtf)) << saved.toStdString();
-    EXPECT_EQ(saved, rtf);
+    EXPECT_EQ(view.styles.saveRtf(), rtf);
 }
 
 const DocCase kDocs[] = {
-    {"PlainAscii", {{"Hello, world.", fmt("Arial", 12)}}},
     {"Formats",
      {{"plain ", fmt("Arial", 12)},
       {"bold ", fmt("Arial", 12, true)},
@@ -128,8 +131,8 @@ const DocCase kDocs[] = {
       {"all", fmt("Courier New", 10.5, true, true, true, 0x0080FF)},
       {" black", fmt("Arial", 12, false, false, false, 0x000000)}}},
     {"Sizes", {{"a", fmt("Arial", 1)}, {"b", fmt("Arial", 8.5)}, {"c", fmt("Arial", 1638)}}},
-    {"Accents", {{"café naïve Ærøskøbing € “quotes” — ß Ω", fmt("Times", 12)}}},
-    {"CjkAndEmoji", {{"日本語 한국어 中文 😀👍🏽 𝄞", fmt("Noto Sans", 14)}}},
+    {"BeyondAscii",
+     {{"café € “q” — Ω 日本語 😀👍🏽 𝄞", fmt("Noto Sans", 14)}}},
     {"TabsAndEmptyParagraphs", {{"\ta\tb\t\n\n\nc\n", fmt("Mono", 9)}}},
     {"FormatChangesAtLineBreaks",
      {{"one\ntwo", fmt("Arial", 12, true)}, {"\nthree", fmt("Arial", 12)}}},
@@ -153,7 +156,7 @@ QStringList words(QString text) {
     return text.split(space, Qt::SkipEmptyParts);
 }
 
-TEST(ViewStyles, SamplesLoadToTheirWordsAndSaveWithTheirFormats) {
+TEST(ViewStyles, SamplesLoadToTheirWordsAndSaveThem) {
     for (const char* base : {"writer-plain", "writer-mixed"}) {
         View view;
         view.load(readSample(QString::fromLatin1(base) + ".rtf"));
@@ -161,40 +164,18 @@ TEST(ViewStyles, SamplesLoadToTheirWordsAndSaveWithTheirFormats) {
         EXPECT_EQ(words(QString::fromUtf8(view.text())), words(reference)) << base;
         EXPECT_EQ(view.saved().plainText(), QString::fromUtf8(view.text())) << base;
     }
-    View view;
-    view.load(readSample("writer-mixed.rtf"));
-    const RtfContent saved = view.saved();
-    const std::pair<const char*, const char*> cases[] = {
-        {"bold", "Liberation Serif 12 b"},
-        {"underlined", "Liberation Serif 12 u"},
-        {"red", "Liberation Serif 12 #c00000"},
-        {"Accents", "Liberation Mono 10"},
-        {"Big bold italic heading", "Liberation Serif 20 b i"},
-    };
-    for (const auto& [text, format] : cases) {
-        QString found = "<no run>";
-        for (const RtfParagraph& p : saved.paragraphs)
-            for (const RtfRun& r : p.runs)
-                if (found == "<no run>" && r.text.contains(QString::fromUtf8(text)))
-                    found = test::describe(r.format);
-        EXPECT_EQ(found, format) << text;
-    }
 }
 
-TEST(ViewStyles, BadRtfLeavesTheViewAsItWas) {
+TEST(ViewStyles, BadRtfChangesNothingAndLoadIsOneUndoStep) {
     View view;
     view.setText("before");
+    view.sci.SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
     QString error, notice = "stale";
     EXPECT_FALSE(view.styles.loadRtf("not rtf at all", &error, &notice));
     EXPECT_EQ(error, QStringLiteral("not an RTF file: it does not begin with {\\rtf"));
     EXPECT_EQ(view.text(), "before");
     EXPECT_FALSE(view.styles.isRich());
-}
 
-TEST(ViewStyles, LoadIsOneUndoStepAndBreaksBecomeCrLf) {
-    View view;
-    view.setText("before");
-    view.sci.SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
     view.load("{\\rtf1 a\\line b\\par {\\b c}}");
     EXPECT_EQ(view.text(), "a\r\nb\r\nc");
     view.sci.SendScintilla(Sci::SCI_UNDO);
@@ -293,9 +274,7 @@ TEST(ViewStyles, PlainDocumentFontAndClearFormatting) {
 
 TEST(ViewStyles, SnapshotPutsFormatsBackAfterAnyChange) {
     View view;
-    view.load(writeRtf(contentOf({{"plain ", fmt("Arial", 12)},
-                                  {"bold\nred", fmt("Arial", 12, true, false, false, 0xFF0000)},
-                                  {" end", fmt("Times", 14, false, true, true)}})));
+    view.load(kRich);
     const QByteArray original = view.styles.saveRtf();
     const StyleSnapshot whole = view.styles.snapshot(0, view.text().size());
     const StyleSnapshot part = view.styles.snapshot(3, 6);
@@ -371,9 +350,7 @@ TEST(ViewStyles, ViewUndoAndRedoBringFormatsBack) {
     };
     for (const Edit& e : edits) {
         View view;
-        view.load(writeRtf(contentOf({{"plain ", fmt("Arial", 12)},
-                                      {"bold\nred", fmt("Arial", 12, true, false, false, 0xFF0000)},
-                                      {" end", fmt("Times", 14, false, true, true)}})));
+        view.load(kRich);
         view.sci.SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
         const QByteArray original = view.styles.saveRtf();
         e.apply(view);
@@ -412,13 +389,6 @@ TEST(ViewStyles, TypedTextTakesTheFormatBeforeIt) {
             QString::fromUtf8(view.text().left(c.at)).remove('\r').remove('\n').size();
         EXPECT_EQ(formats.value(charIndex), c.format) << c.name;
     }
-}
-
-TEST(RtfPlain, PlainTextIsWrittenInOneFont) {
-    const RtfContent c = parseRtf(plainTextToRtf("one\r\n\r\ntwo\xC2\xA0\\{}", FontSpec()));
-    ASSERT_EQ(c.paragraphs.size(), 3);
-    EXPECT_EQ(c.plainText(), QString::fromUtf8("one\r\n\r\ntwo\u00A0\\{}"));
-    EXPECT_EQ(test::describe(c.paragraphs[2].runs[0].format), "Arial 9");
 }
 
 struct EscapeCase {
