@@ -41,7 +41,7 @@ class ViewStyles : public QObject {
     Q_OBJECT
 public:
     // Style numbers a format can have: all but 0 and the view's own 32 to 39.
-    static constexpr int kFormatStyles = 255 - 8;
+    static constexpr int kFormatStyles = 256 - 1 - 8;
 
     // Sets up `view` for styles kept by this class (the container lexer, UTF-8).
     explicit ViewStyles(QsciScintillaBase* view);
