@@ -1,6 +1,7 @@
 #include "editor/DocumentStore.h"
 
 #include "editor/BusyWork.h"
+#include "editor/RtfPlain.h"
 #include "editor/RtfReader.h"
 #include "editor/RtfWriter.h"
 #include "editor/ScintillaEditControl.h"
@@ -72,7 +73,8 @@ bool TextDocumentFiles::loadRtf(const QByteArray& bytes, QString&) {
 }
 
 QByteArray TextDocumentFiles::saveRtf() {
-    return writeRtf(plainRtfContent(edit_.text(), RtfCharFormat()));
+    // No window, no fonts of its own: the text in the default font.
+    return plainTextToRtf(edit_.utf8(), FontSpec());
 }
 
 bool TextDocumentFiles::save(const QString& path, bool rtf, QString& error) {

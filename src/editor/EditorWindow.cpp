@@ -103,6 +103,12 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
                     updateHistoryItems(*ctx_);
                 textChanged();
             });
+    connect(edit_, &ScintillaEditControl::formatsChanged, this, [this](const ByteChange& change) {
+        history_->record(change, false);
+        textChanged();
+    });
+    connect(edit_, &ScintillaEditControl::notice, this,
+            [this](const QString& text) { showStatus(text); });
 }
 
 EditorWindow::~EditorWindow() {

@@ -6,6 +6,10 @@
 #include "editor/RtfContent.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
+
+#include <array>
+
 
 namespace ed {
 
@@ -13,8 +17,12 @@ namespace ed {
 // reader produces).
 QByteArray writeRtf(const RtfContent& content);
 
-// A plain text (CR LF breaks) as content in one format: a paragraph per line; a lone CR or LF
-// and U+2029 break paragraphs too, and NUL, which RTF cannot hold, is left out.
-RtfContent plainRtfContent(QStringView model, const RtfCharFormat& format);
+// The same for text as the edit view holds it: UTF-8 bytes whose CR LF pairs end paragraphs,
+// the character starting at byte i in formats[styles[i]] (all in formats[0] when `styles` is
+// empty). Gives what writeRtf gives for the content those paragraphs and runs make, without
+// building it.
+QByteArray writeRtf(QByteArrayView text, QByteArrayView styles,
+                    const std::array<RtfCharFormat, 256>& formats);
+
 
 } // namespace ed

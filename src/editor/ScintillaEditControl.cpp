@@ -1,12 +1,9 @@
 #include "editor/ScintillaEditControl.h"
 
-#include "editor/RtfReader.h"
-#include "editor/RtfWriter.h"
+#include "editor/ViewStyles.h"
 #include "util/ModelText.h"
 
 #include <Qsci/qsciscintillabase.h>
-
-#include <QFont>
 
 #include <cstring>
 
@@ -14,6 +11,13 @@ namespace ed {
 
 namespace {
 using Sci = QsciScintillaBase;
+
+// The view lays out a line as a whole, and wrapping lays out every line of the document. Above
+// these sizes the view does not wrap (a wrapped document of this size would keep the processor
+// busy for many seconds after every change) and the caret on a line does not blink (each blink
+// would lay out the line again).
+constexpr qsizetype kWrapLimit = qsizetype(4) << 20;
+constexpr qsizetype kSteadyCaretLine = 64 * 1024;
 
 // How many bytes `a` and `b` (both at least `n` long) have in common from their start, or with
 // `step` -1, up to their ends.
@@ -44,7 +48,8 @@ qsizetype charStart(QByteArrayView b, qsizetype i) {
 }
 } // namespace
 
-ScintillaEditControl::ScintillaEditControl(QsciScintillaBase* view) : QObject(view), view_(view) {
+ScintillaEditControl::ScintillaEditControl(QsciScintillaBase* view)
+    : QObject(view), view_(view), styles_(std::make_unique<ViewStyles>(view)) {
     prepareView();
     // Keys the view would take for its own undo and redo, or for cutting: those are the menu's.
     for (int key : {'Z', 'Y'})
@@ -59,7 +64,11 @@ ScintillaEditControl::ScintillaEditControl(QsciScintillaBase* view) : QObject(vi
     connect(view_, &Sci::SCN_MODIFIED, this,
             [this](int position, int type, const char* text, int length, int, int, int, int, int,
                    int) { modified(position, type, text, length); });
-    connect(view_, &Sci::SCN_UPDATEUI, this, [this](int) { emit caretMoved(); });
+    connect(view_, &Sci::SCN_UPDATEUI, this, [this](int) {
+        steadyCaretOnLongLines();
+        emit caretMoved();
+    });
+    blinkMs_ = int(send(Sci::SCI_GETCARETPERIOD));
 }
 
 ScintillaEditControl::~ScintillaEditControl() = default;
@@ -90,9 +99,13 @@ void ScintillaEditControl::modified(int position, int type, const char* text, in
     ++changes_;
     if (own_ || !reporting_)
         return;
-    if (type & Sci::SC_MOD_INSERTTEXT)
+    if (type & Sci::SC_MOD_INSERTTEXT) {
+        if (styles_->isRich()) // typed text takes the format of the text before it
+            QMetaObject::invokeMethod(
+                this, [this, position, length] { styles_->inheritFormat(position, length); },
+                Qt::QueuedConnection);
         emit changed(position, QByteArray(), QByteArray(text, length), true);
-    else
+    } else
         emit changed(position, std::exchange(beforeDelete_, QByteArray()), QByteArray(), true);
 }
 
@@ -140,6 +153,7 @@ void ScintillaEditControl::setUtf8(const QByteArray& text) {
 }
 
 void ScintillaEditControl::replaceBytes(qsizetype offset, qsizetype length, QByteArrayView with) {
+    flushSelection(); // the view moves the selection along with the text
     QByteArray removed;
     if (reporting_)
         removed = bytes().sliced(offset, length).toByteArray();
@@ -148,6 +162,7 @@ void ScintillaEditControl::replaceBytes(qsizetype offset, qsizetype length, QByt
     send(Sci::SCI_REPLACETARGET, ulong(with.size()),
          reinterpret_cast<long>(with.isEmpty() ? "" : with.data()));
     own_ = false;
+    applyWrap();
     if (reporting_)
         emit changed(offset, removed, with.toByteArray(), false);
 }
@@ -162,7 +177,27 @@ void ScintillaEditControl::replaceHistoryBytes(qsizetype offset, qsizetype lengt
         replaceBytes(offset, length, with);
 }
 
-void ScintillaEditControl::restoreHistoryStyles(qsizetype, QByteArrayView) {}
+void ScintillaEditControl::restoreHistoryStyles(const StyleSnapshot& styles) {
+    styles_->restore(styles);
+    const QString notice = styles_->takeNotice();
+    if (!notice.isEmpty())
+        emit this->notice(notice);
+}
+
+template <class F>
+void ScintillaEditControl::changeFormats(qsizetype start, qsizetype length, F change) {
+    const bool wasRich = styles_->isRich();
+    auto before = std::make_shared<const StyleSnapshot>(styles_->snapshot(start, length));
+    change();
+    if (!wasRich && !styles_->isRich())
+        return; // the font of a plain document is the view's, not the document's
+    auto after = std::make_shared<const StyleSnapshot>(styles_->snapshot(start, length));
+    ++changes_;
+    emit formatsChanged(ByteChange{start, {}, {}, std::move(before), std::move(after)});
+    const QString notice = styles_->takeNotice();
+    if (!notice.isEmpty())
+        emit this->notice(notice);
+}
 
 void ScintillaEditControl::replaceRange(int start, int length, const QString& replacement) {
     const qsizetype from = byteOffset(start);
@@ -198,18 +233,42 @@ int ScintillaEditControl::textLength() const {
     return int(modelPosition(byteLength()));
 }
 
-void ScintillaEditControl::setCaretByte(qsizetype offset) {
-    send(Sci::SCI_SETEMPTYSELECTION, ulong(offset));
-    send(Sci::SCI_SCROLLCARET);
+// A selection set through this adapter waits until the window's thread is back in its event
+// loop: a command that selects the whole text for a moment and then selects nothing (as the
+// font is applied) never makes the view publish megabytes as the desktop's primary selection.
+void ScintillaEditControl::setSelectionBytes(qsizetype anchor, qsizetype caret) {
+    const bool scheduled = pending_.has_value();
+    pending_ = {anchor, caret};
+    if (!scheduled)
+        QMetaObject::invokeMethod(this, &ScintillaEditControl::flushSelection,
+                                  Qt::QueuedConnection);
     emit caretMoved();
 }
 
+void ScintillaEditControl::flushSelection() {
+    if (!pending_)
+        return;
+    const Selection sel = *pending_;
+    pending_.reset();
+    send(Sci::SCI_SETSEL, ulong(sel.anchor), long(sel.caret));
+}
+
+ScintillaEditControl::Selection ScintillaEditControl::selectionBytes() const {
+    if (pending_)
+        return *pending_;
+    return {send(Sci::SCI_GETANCHOR), send(Sci::SCI_GETCURRENTPOS)};
+}
+
+void ScintillaEditControl::setCaretByte(qsizetype offset) {
+    setSelectionBytes(offset, offset);
+}
+
 qsizetype ScintillaEditControl::caretByte() const {
-    return send(Sci::SCI_GETCURRENTPOS);
+    return selectionBytes().caret;
 }
 
 int ScintillaEditControl::selStart() const {
-    return int(modelPosition(send(Sci::SCI_GETSELECTIONSTART)));
+    return int(modelPosition(selectionBytes().start()));
 }
 
 void ScintillaEditControl::setSelStart(int start) {
@@ -217,107 +276,104 @@ void ScintillaEditControl::setSelStart(int start) {
 }
 
 int ScintillaEditControl::selLength() const {
-    return int(modelPosition(send(Sci::SCI_GETSELECTIONEND)) -
-               modelPosition(send(Sci::SCI_GETSELECTIONSTART)));
+    const Selection sel = selectionBytes();
+    return int(modelPosition(sel.end()) - modelPosition(sel.start()));
 }
 
 void ScintillaEditControl::setSelLength(int length) {
-    const long from = send(Sci::SCI_GETSELECTIONSTART);
+    const qsizetype from = selectionBytes().start();
     const qsizetype start = modelPosition(from);
     const qsizetype end = qBound(start, start + qMax(0, length), qsizetype(textLength()));
-    send(Sci::SCI_SETSEL, ulong(from), long(byteOffset(end)));
-    emit caretMoved();
+    setSelectionBytes(from, byteOffset(end));
 }
 
 QString ScintillaEditControl::selText() const {
-    const long from = send(Sci::SCI_GETSELECTIONSTART);
-    const long to = send(Sci::SCI_GETSELECTIONEND);
-    return fromModelUtf8(bytes().sliced(from, to - from));
+    const Selection sel = selectionBytes();
+    return fromModelUtf8(bytes().sliced(sel.start(), sel.end() - sel.start()));
 }
 
 void ScintillaEditControl::adopt(ViewLoader&& loaded) {
     void* doc = loaded.takeDocument();
     if (!doc)
         return;
+    pending_.reset();
     own_ = true;
     send(Sci::SCI_SETDOCPOINTER, 0, reinterpret_cast<long>(doc));
     send(Sci::SCI_RELEASEDOCUMENT, 0, reinterpret_cast<long>(doc));
     own_ = false;
     prepareView();
+    if (styles_->isRich()) // the new document has no formats of its own
+        styles_->clearFormatting(styles_->documentFont());
+    applyWrap();
     ++changes_;
     setCaretByte(0);
     emit replaced();
 }
 
 bool ScintillaEditControl::loadRtf(const QByteArray& rtf, QString& error) {
-    rtfNotice_.clear();
-    error.clear();
-    const RtfContent content = parseRtf(rtf, &error);
-    if (!error.isEmpty())
+    pending_.reset();
+    const bool reporting = std::exchange(reporting_, false);
+    QString notice;
+    const bool loaded = styles_->loadRtf(rtf, &error, &notice);
+    reporting_ = reporting;
+    if (!loaded)
         return false;
-    const QByteArray text = toModelUtf8(content.plainText());
-    ViewLoader loader(view_, text.size());
-    if (!loader.add(text)) {
-        error = QStringLiteral("not enough memory to show the document");
-        return false;
-    }
-    adopt(std::move(loader));
+    applyWrap();
+    setCaretByte(0);
+    emit replaced();
+    if (!notice.isEmpty())
+        emit this->notice(notice);
     return true;
 }
 
 QByteArray ScintillaEditControl::saveRtf() const {
-    const FontSpec font = documentFont();
-    RtfCharFormat format;
-    format.family = font.name;
-    format.pointSize = font.size;
-    format.bold = font.bold;
-    format.italic = font.italic;
-    return writeRtf(plainRtfContent(text(), format));
+    return styles_->saveRtf();
 }
-
-namespace {
-FontSpec fontOfStyle(const QsciScintillaBase* view, int style) {
-    FontSpec f;
-    QByteArray name(256, '\0');
-    const long n = view->SendScintilla(Sci::SCI_STYLEGETFONT, ulong(style),
-                                       reinterpret_cast<long>(name.data()));
-    name.truncate(qMax(0L, n));
-    if (!name.isEmpty())
-        f.name = QString::fromUtf8(name.constData());
-    f.size = double(view->SendScintilla(Sci::SCI_STYLEGETSIZEFRACTIONAL, ulong(style))) / 100.0;
-    f.bold = view->SendScintilla(Sci::SCI_STYLEGETBOLD, ulong(style)) != 0;
-    f.italic = view->SendScintilla(Sci::SCI_STYLEGETITALIC, ulong(style)) != 0;
-    return f;
-}
-} // namespace
 
 void ScintillaEditControl::setSelectionFont(const FontSpec& font) {
-    const QByteArray name = font.name.toUtf8();
-    for (ulong style : {ulong(Sci::STYLE_DEFAULT), 0ul}) {
-        send(Sci::SCI_STYLESETFONT, style, reinterpret_cast<long>(name.constData()));
-        if (font.size > 0)
-            send(Sci::SCI_STYLESETSIZEFRACTIONAL, style, long(font.size * 100 + 0.5));
-        send(Sci::SCI_STYLESETBOLD, style, font.bold);
-        send(Sci::SCI_STYLESETITALIC, style, font.italic);
-    }
+    const Selection sel = selectionBytes();
+    changeFormats(sel.start(), sel.end() - sel.start(),
+                  [&] { styles_->setFont(sel.start(), sel.end() - sel.start(), font); });
 }
 
 FontSpec ScintillaEditControl::selectionFont() const {
-    return fontOfStyle(view_, 0);
+    return styles_->fontAt(selectionBytes().start());
 }
 
 FontSpec ScintillaEditControl::documentFont() const {
-    return fontOfStyle(view_, Sci::STYLE_DEFAULT);
+    return styles_->documentFont();
 }
 
 void ScintillaEditControl::setRightMargin(int twips) {
-    send(Sci::SCI_SETWRAPMODE, twips == 0 ? Sci::SC_WRAP_WORD : Sci::SC_WRAP_NONE);
+    wrapWanted_ = twips == 0;
+    applyWrap();
 }
 
-void ScintillaEditControl::setSizeCycle(int, int, const QList<double>&) {}
+void ScintillaEditControl::applyWrap() {
+    const bool wrap = wrapWanted_ && byteLength() <= kWrapLimit;
+    if (wrap == (send(Sci::SCI_GETWRAPMODE) != Sci::SC_WRAP_NONE))
+        return;
+    send(Sci::SCI_SETWRAPMODE, wrap ? Sci::SC_WRAP_WORD : Sci::SC_WRAP_NONE);
+    if (wrapWanted_ && !wrap)
+        emit notice(tr("Word wrap is off while the document is over %1 MB").arg(kWrapLimit >> 20));
+}
+
+void ScintillaEditControl::steadyCaretOnLongLines() {
+    const long line = send(Sci::SCI_LINEFROMPOSITION, send(Sci::SCI_GETCURRENTPOS));
+    const bool longLine = send(Sci::SCI_LINELENGTH, ulong(line)) > kSteadyCaretLine;
+    const int period = longLine ? 0 : blinkMs_;
+    if (send(Sci::SCI_GETCARETPERIOD) != period)
+        send(Sci::SCI_SETCARETPERIOD, ulong(period));
+}
+
+void ScintillaEditControl::setSizeCycle(int start, int length, const QList<double>& cycle) {
+    const qsizetype from = byteOffset(start);
+    const qsizetype to = byteOffset(qsizetype(start) + length);
+    changeFormats(from, to - from, [&] { styles_->setSizeCycle(from, to - from, cycle); });
+}
 
 void ScintillaEditControl::clearFormatting(const FontSpec& font) {
-    setSelectionFont(font);
+    changeFormats(0, byteLength(), [&] { styles_->clearFormatting(font); });
 }
 
 } // namespace ed

@@ -15,10 +15,13 @@
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
 class QsciScintillaBase;
 
 namespace ed {
+
+class ViewStyles;
 
 class ScintillaEditControl : public QObject,
                              public EditControl,
@@ -61,6 +64,17 @@ public:
     qsizetype modelPosition(qsizetype byteOffset) const;
     void setCaretByte(qsizetype offset);
     qsizetype caretByte() const;
+    struct Selection {
+        qsizetype anchor = 0;
+        qsizetype caret = 0;
+        qsizetype start() const { return qMin(anchor, caret); }
+        qsizetype end() const { return qMax(anchor, caret); }
+    };
+    Selection selectionBytes() const;
+    void setSelectionBytes(qsizetype anchor, qsizetype caret);
+    // Hands a selection set through this adapter to the view now (else it goes when the event
+    // loop runs next).
+    void flushSelection();
 
     // Shows a document built by a ViewLoader in one quick step: the text, the caret at 0, no
     // formats. The document counts as replaced, not edited.
@@ -68,16 +82,15 @@ public:
     // The document is filled from RTF: false with the reason when the bytes are not readable.
     bool loadRtf(const QByteArray& rtf, QString& error);
     QByteArray saveRtf() const;
-    // A status-bar text about the last RTF load ("" when there is nothing to say).
-    QString rtfNotice() const { return rtfNotice_; }
 
     QsciScintillaBase* view() const { return view_; }
+    ViewStyles& styles() const { return *styles_; }
 
     // HistoryTarget
     QByteArrayView historyBytes() const override { return bytes(); }
     void replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) override;
     void placeHistoryCaret(qsizetype offset) override { setCaretByte(offset); }
-    void restoreHistoryStyles(qsizetype offset, QByteArrayView styles) override;
+    void restoreHistoryStyles(const StyleSnapshot& styles) override;
 
     // Counts every change and every replacement of the document.
     quint64 changeCount() const { return changes_; }
@@ -91,19 +104,31 @@ signals:
                  bool typed);
     // The whole document was replaced (opened, reloaded): nothing to take back.
     void replaced();
+    // Character formats changed (the text did not): `change` holds them before and after.
+    void formatsChanged(const ByteChange& change);
+    // A status-bar text about the document's formats.
+    void notice(const QString& text);
     void caretMoved();
 
 private:
     void modified(int position, int type, const char* text, int length);
     void prepareView();
+    // Wraps as asked unless the document is too large for it.
+    void applyWrap();
+    void steadyCaretOnLongLines();
     long send(unsigned msg, unsigned long w = 0, long l = 0) const;
+    // Runs `change` on the formats of the bytes [start, start + length) as one undoable step.
+    template <class F> void changeFormats(qsizetype start, qsizetype length, F change);
 
     QsciScintillaBase* view_;
-    QByteArray beforeDelete_; // what a deletion the view is about to make removes
-    bool own_ = false;        // the change under way comes from this adapter
+    std::unique_ptr<ViewStyles> styles_;
+    std::optional<Selection> pending_; // set here, not yet given to the view
+    QByteArray beforeDelete_;          // what a deletion the view is about to make removes
+    bool own_ = false;                 // the change under way comes from this adapter
     bool reporting_ = true;
+    bool wrapWanted_ = true;
+    int blinkMs_ = 500;
     quint64 changes_ = 0;
-    QString rtfNotice_;
 };
 
 } // namespace ed

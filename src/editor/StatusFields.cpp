@@ -30,12 +30,13 @@ void StatusFields::showCaret() {
     // Lines and columns of the text as it reads, counted from 1; a line break selected counts one.
     using Sci = QsciScintillaBase;
     QsciScintillaBase* view = edit_.view();
-    const long caret = view->SendScintilla(Sci::SCI_GETCURRENTPOS);
+    const ScintillaEditControl::Selection sel = edit_.selectionBytes();
+    const long caret = long(sel.caret);
     const long line = view->SendScintilla(Sci::SCI_LINEFROMPOSITION, caret);
     const long lineStart = view->SendScintilla(Sci::SCI_POSITIONFROMLINE, line);
     const long column = view->SendScintilla(Sci::SCI_COUNTCODEUNITS, lineStart, caret);
-    const long from = view->SendScintilla(Sci::SCI_GETSELECTIONSTART);
-    const long to = view->SendScintilla(Sci::SCI_GETSELECTIONEND);
+    const long from = long(sel.start());
+    const long to = long(sel.end());
     const long breaks = view->SendScintilla(Sci::SCI_LINEFROMPOSITION, to) -
                         view->SendScintilla(Sci::SCI_LINEFROMPOSITION, from);
     const long selected = edit_.modelPosition(to) - edit_.modelPosition(from) - breaks;

@@ -1,8 +1,15 @@
 #include "editor/UndoHistory.h"
 
+#include "editor/ViewStyles.h"
+
 #include <utility>
 
 namespace ed {
+
+qsizetype ByteChange::bytes() const {
+    return removed.size() + inserted.size() + (stylesBefore ? stylesBefore->memoryBytes() : 0) +
+           (stylesAfter ? stylesAfter->memoryBytes() : 0);
+}
 
 bool UndoHistory::continues(const Step& open, const ByteChange& change) {
     if (!open.typed || open.changes.empty())
@@ -33,7 +40,7 @@ void UndoHistory::record(ByteChange change, bool typed, qint64 nowMs) {
     }
     const qsizetype size = change.bytes();
     ByteChange* last = open->changes.empty() ? nullptr : &open->changes.back();
-    if (typed && last && last->stylesBefore.isEmpty() && change.removed.isEmpty() &&
+    if (typed && last && !last->stylesBefore && change.removed.isEmpty() &&
         change.offset == last->offset + last->inserted.size()) {
         last->inserted += change.inserted; // typing on: one change grows
     } else {
@@ -81,9 +88,8 @@ bool UndoHistory::step(bool undo) {
         const QByteArray& back = undo ? c.removed : c.inserted;
         if (!gone.isEmpty() || !back.isEmpty())
             target_.replaceHistoryBytes(c.offset, gone.size(), back);
-        const QByteArray& styles = undo ? c.stylesBefore : c.stylesAfter;
-        if (!styles.isEmpty())
-            target_.restoreHistoryStyles(c.offset, styles);
+        if (const auto& styles = undo ? c.stylesBefore : c.stylesAfter)
+            target_.restoreHistoryStyles(*styles);
         caret = c.offset;
         return true;
     };

@@ -13,9 +13,12 @@
 #include <QByteArrayView>
 
 #include <deque>
+#include <memory>
 #include <vector>
 
 namespace ed {
+
+struct StyleSnapshot;
 
 // What the history changes when it takes a step back or again: the document's bytes.
 class HistoryTarget {
@@ -26,21 +29,19 @@ public:
     virtual void replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) = 0;
     // The caret goes to `offset` with nothing selected.
     virtual void placeHistoryCaret(qsizetype offset) = 0;
-    // The character formats (one style byte per text byte) of a range, and putting them back.
-    virtual void restoreHistoryStyles(qsizetype offset, QByteArrayView styles) = 0;
+    // Puts the character formats of a stretch back as they were.
+    virtual void restoreHistoryStyles(const StyleSnapshot& styles) = 0;
 };
 
-// `removed` at `offset` became `inserted`; for a change of formats alone, the styles of the
-// `stylesBefore.size()` bytes at `offset` went from `stylesBefore` to `stylesAfter`.
+// `removed` at `offset` became `inserted`; for a change of formats alone, the formats of a
+// stretch went from `stylesBefore` to `stylesAfter`.
 struct ByteChange {
     qsizetype offset = 0;
     QByteArray removed;
     QByteArray inserted;
-    QByteArray stylesBefore;
-    QByteArray stylesAfter;
-    qsizetype bytes() const {
-        return removed.size() + inserted.size() + stylesBefore.size() + stylesAfter.size();
-    }
+    std::shared_ptr<const StyleSnapshot> stylesBefore;
+    std::shared_ptr<const StyleSnapshot> stylesAfter;
+    qsizetype bytes() const; // memory it holds
 };
 
 class UndoHistory {

@@ -2,6 +2,7 @@
 // the memory bound, and a document changed behind the history's back.
 
 #include "editor/UndoHistory.h"
+#include "editor/ViewStyles.h"
 
 #include <gtest/gtest.h>
 
@@ -30,8 +31,8 @@ public:
         history->record(ByteChange{offset, {}, "noise", {}, {}}, false);
     }
     void placeHistoryCaret(qsizetype offset) override { caret = offset; }
-    void restoreHistoryStyles(qsizetype offset, QByteArrayView s) override {
-        styles.replace(offset, s.size(), s.toByteArray());
+    void restoreHistoryStyles(const StyleSnapshot& s) override {
+        styles.replace(s.start, s.styles.size(), s.styles);
     }
 };
 
@@ -131,7 +132,14 @@ TEST(UndoHistory, ADocumentChangedBehindItsBackEmptiesIt) {
 TEST(UndoHistory, FormatChangesComeBackToo) {
     Fixture f("abcd");
     f.doc.styles = "0000";
-    f.history.record(ByteChange{1, {}, {}, "00", "12"}, false);
+    const auto snapshot = [](const char* styles) {
+        auto s = std::make_shared<StyleSnapshot>();
+        s->start = 1;
+        s->length = 2;
+        s->styles = styles;
+        return s;
+    };
+    f.history.record(ByteChange{1, {}, {}, snapshot("00"), snapshot("12")}, false);
     f.doc.styles = "0120";
     f.history.close();
     ASSERT_TRUE(f.history.undo());
