@@ -7,7 +7,7 @@
 
 #include "app/StartUp.h"
 #include "editor/EditorWindow.h"
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -140,10 +140,6 @@ struct CommandContext {
     std::function<void(const QString& item)> run;
     // The quiet search of the command line (selects the first match, no message on a miss).
     std::function<void(const QString& text)> searchQuietly;
-    // The window's replaceRange for changes that may take long (undo and redo of whole-text
-    // steps): away from its thread, with a busy indicator and Cancel. False when the user
-    // cancelled; nothing was changed then. Unset: edit.replaceRange.
-    std::function<bool(int start, int length, const QString& text)> replaceRangeCancellable;
 };
 
 using Handler = void (*)(CommandContext&);

@@ -6,14 +6,12 @@
 #include "app/SystemPorts.h"
 #include "app/TextBuffer.h"
 #include "editor/BusyWork.h"
-#include "editor/PlainTextEditControl.h"
 #include "util/Utility.h"
 
 #include <QThread>
 #include <QWidget>
 
 #include <memory>
-#include <optional>
 
 namespace ed {
 
@@ -23,7 +21,6 @@ namespace {
 struct Job : BusyToken {
     TextBuffer doc;
     QByteArray original;
-    std::optional<PreparedDocument> prepared;
     SystemClock clock;
     ProcessLauncher launcher;
     SettingsStore store;
@@ -117,7 +114,7 @@ bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
 
 bool BackgroundCommands::run(const MenuItemDecl& item) {
     auto job = std::make_shared<Job>(s_.logger);
-    job->doc.setText(s_.edit->text());
+    job->doc.setUtf8(s_.edit->utf8());
     job->doc.setSelStart(s_.edit->selStart());
     job->doc.setSelLength(s_.edit->selLength());
     job->form = *s_.form;
@@ -129,23 +126,14 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
                                                 *s_.logger, job->clock, job->launcher, job->menu,
                                                 *job->util, job->form, *job->window, *s_.startUp);
     const MenuItemDecl* decl = &item;
-    QThread* ui = QThread::currentThread();
-    const bool prepare = s_.widgetEdit != nullptr;
-    auto work = [job, decl, ui, prepare] {
-        runMenuItem(*decl, *job->ctx);
-        // The widget's document for a changed text is built here too, not on the window's thread.
-        if (prepare && !job->cancelled && job->doc.utf8() != job->original)
-            job->prepared.emplace(job->doc.text(), ui, job.get());
-    };
+    auto work = [job, decl] { runMenuItem(*decl, *job->ctx); };
     job->original = job->doc.utf8();
     if (!s_.busy->run(QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
                       work, job))
         return false; // the worker finishes on its own; its result is dropped
     // The result goes to the document in one step, as the command itself would assign it.
-    if (job->prepared)
-        s_.widgetEdit->adopt(std::move(*job->prepared));
-    else if (job->doc.utf8() != job->original)
-        s_.edit->setText(job->doc.text());
+    if (job->doc.utf8() != job->original)
+        s_.edit->setUtf8(job->doc.utf8());
     s_.edit->setSelStart(job->doc.selStart());
     s_.edit->setSelLength(job->doc.selLength());
     *s_.form = job->form;

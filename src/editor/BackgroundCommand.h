@@ -2,7 +2,8 @@
 // Runs a text command on a worker thread against a copy of the document, so that the window
 // stays live: after half a second a busy indicator with Cancel appears, and a cancelled command
 // leaves the document exactly as it was. Prompts and message boxes still appear on the window's
-// thread. The result is assigned to the edit control in one step, as the command would.
+// thread. The result goes to the edit control in one step, as the command would assign it: only
+// the part that differs is replaced.
 
 #include "app/Command.h"
 #include "editor/MenuTable.h"
@@ -13,7 +14,6 @@ namespace ed {
 
 class BusyWork;
 class ErrorLogger;
-class PlainTextEditControl;
 
 class BackgroundCommands {
 public:
@@ -25,8 +25,6 @@ public:
         EditControl* edit;
         FormState* form;
         BusyWork* busy;
-        // When set, a changed text is also made ready for the widget on the worker.
-        PlainTextEditControl* widgetEdit = nullptr;
     };
     explicit BackgroundCommands(Services services) : s_(services) {}
 

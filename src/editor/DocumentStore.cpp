@@ -1,16 +1,13 @@
 #include "editor/DocumentStore.h"
 
-#include "editor/PlainTextEditControl.h"
-#include "editor/RtfDocument.h"
+#include "editor/BusyWork.h"
+#include "editor/RtfPlain.h"
 #include "editor/RtfReader.h"
 #include "editor/RtfWriter.h"
+#include "editor/ScintillaEditControl.h"
+#include "util/ModelText.h"
 
-#include "editor/BusyWork.h"
-
-#include <QPlainTextEdit>
-#include <QTextCursor>
-#include <QTextDocument>
-#include <QThread>
+#include <QFileInfo>
 
 #include <memory>
 #include <optional>
@@ -39,9 +36,10 @@ bool TextDocumentFiles::originChanged() const {
 bool TextDocumentFiles::encodingFits() const {
     if (format_.format.encoding != Encoding::Latin1)
         return true;
-    const QString text = edit_.text();
-    for (QChar c : text)
-        if (c.unicode() > 0xFF)
+    // A lead byte from 0xC4 on starts a character beyond U+00FF.
+    const QByteArray text = edit_.utf8();
+    for (char c : text)
+        if (uchar(c) >= 0xC4)
             return false;
     return true;
 }
@@ -52,7 +50,7 @@ DocumentFiles::LoadResult TextDocumentFiles::load(const QString& path, bool rtf,
     QByteArray bytes;
     if (!readFileBytes(path, bytes, error)) {
         forgetOrigin();
-        edit_.setText(QString());
+        edit_.setUtf8(QByteArray());
         return LoadResult::Failed;
     }
     // A file named .rtf that holds no RTF is opened as the text it is.
@@ -61,9 +59,8 @@ DocumentFiles::LoadResult TextDocumentFiles::load(const QString& path, bool rtf,
         if (!loadRtf(bytes, error))
             return LoadResult::Failed;
     } else {
-        format_ = decodeDocument(bytes, path);
-        edit_.setText(format_.text);
-        format_.text.clear(); // the control holds the text; keep only the format
+        format_ = LoadedDocument();
+        edit_.setUtf8(decodeToModel(bytes, &format_.format));
     }
     origin_ = path;
     originId_ = before;
@@ -76,9 +73,8 @@ bool TextDocumentFiles::loadRtf(const QByteArray& bytes, QString&) {
 }
 
 QByteArray TextDocumentFiles::saveRtf() {
-    QTextDocument doc;
-    QTextCursor(&doc).insertText(modelToWidgetText(edit_.text()));
-    return writeRtf(doc);
+    // No window, no fonts of its own: the text in the default font.
+    return plainTextToRtf(edit_.utf8(), FontSpec());
 }
 
 bool TextDocumentFiles::save(const QString& path, bool rtf, QString& error) {
@@ -91,7 +87,7 @@ bool TextDocumentFiles::save(const QString& path, bool rtf, QString& error) {
         bytes = saveRtf();
         bytes += format_.format.lineBreak == LineBreak::CrLf ? "\r\n" : "\n";
     } else {
-        bytes = encodeText(edit_.text() + QStringLiteral("\r\n"), format_.format);
+        bytes = encodeModel(edit_.utf8() + "\r\n", format_.format);
     }
     if (!writeFileAtomically(path, bytes, error))
         return false;
@@ -99,7 +95,7 @@ bool TextDocumentFiles::save(const QString& path, bool rtf, QString& error) {
     return true;
 }
 
-WidgetDocumentFiles::WidgetDocumentFiles(PlainTextEditControl& edit, BusyWork* busy)
+WidgetDocumentFiles::WidgetDocumentFiles(ScintillaEditControl& edit, BusyWork* busy)
     : TextDocumentFiles(edit), widgetEdit_(edit), busy_(busy) {}
 
 DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rtf, QString& error) {
@@ -110,46 +106,46 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
         QString error;
         bool read = false;
         bool isRtf = false;
+        bool shown = false;
         QByteArray bytes;
-        LoadedDocument loaded;
-        std::optional<PreparedDocument> prepared;
+        TextFormat format;
+        std::optional<ViewLoader> loader;
     };
     auto job = std::make_shared<Job>();
     job->path = path;
     const FileIdentity before = FileIdentity::of(path);
-    QThread* ui = QThread::currentThread();
-    auto work = [job, rtf, ui] {
+    job->loader.emplace(widgetEdit_.view(), QFileInfo(path).size());
+    auto work = [job, rtf] {
         if (!readFileBytes(job->path, job->bytes, job->error))
             return;
         job->read = true;
         job->percent = 10;
-        // RTF fills the widget's own document, on the window's thread.
+        // RTF fills the view with its formats, on the window's thread.
         if (rtf && looksLikeRtf(job->bytes)) {
             job->isRtf = true;
             return;
         }
-        job->loaded = decodeDocument(job->bytes, job->path);
-        job->bytes = QByteArray();
+        const QByteArray model = decodeToModel(std::exchange(job->bytes, {}), &job->format);
         job->percent = 30;
-        if (job->cancelled)
-            return;
-        job->prepared.emplace(job->loaded.text, ui, job.get());
-        job->loaded.text.clear(); // the control holds the text; keep only the format
+        job->shown = job->loader->add(model, &job->cancelled, &job->percent, 30, 100);
+        if (!job->shown && !job->cancelled)
+            job->error = QStringLiteral("%1: not enough memory to show it").arg(job->path);
     };
     if (!busy_->run(QStringLiteral("Opening \"%1\"...").arg(path), work, job))
         return LoadResult::Cancelled;
     forgetOrigin();
-    if (!job->read) {
+    if (!job->read || (!job->isRtf && !job->shown)) {
         error = job->error;
-        edit_.setText(QString());
+        edit_.setUtf8(QByteArray());
         return LoadResult::Failed;
     }
     if (job->isRtf) {
         if (!loadRtf(job->bytes, error))
             return LoadResult::Failed;
     } else {
-        format_ = std::move(job->loaded);
-        widgetEdit_.adopt(std::move(*job->prepared));
+        format_ = LoadedDocument();
+        format_.format = job->format;
+        widgetEdit_.adopt(std::move(*job->loader));
     }
     origin_ = path;
     originId_ = before;
@@ -157,17 +153,15 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
 }
 
 bool WidgetDocumentFiles::loadRtf(const QByteArray& bytes, QString& error) {
-    if (!readRtf(bytes, *widgetEdit_.widget()->document(), &error)) {
-        edit_.setText(QString());
+    if (!widgetEdit_.loadRtf(bytes, error)) {
+        edit_.setUtf8(QByteArray());
         return false;
     }
-    widgetEdit_.documentLoadedAsRich();
-    widgetEdit_.takeUserEdited();
     return true;
 }
 
 QByteArray WidgetDocumentFiles::saveRtf() {
-    return writeRtf(*widgetEdit_.widget()->document());
+    return widgetEdit_.saveRtf();
 }
 
 } // namespace ed

@@ -6,12 +6,10 @@
 #include "editor/DocumentIO.h"
 #include "editor/FileIdentity.h"
 
-class QTextDocument;
-
 namespace ed {
 
 class BusyWork;
-class PlainTextEditControl;
+class ScintillaEditControl;
 
 // Over any edit control; RTF is read as its text and written from the plain text.
 class TextDocumentFiles : public DocumentFiles {
@@ -42,9 +40,9 @@ protected:
 // Over the window's edit control: RTF keeps its fonts and colours.
 class WidgetDocumentFiles : public TextDocumentFiles {
 public:
-    // With `busy`, a text file is read and made ready for the widget on a worker, with a busy
+    // With `busy`, a text file is read and made ready for the view on a worker, with a busy
     // indicator and Cancel while that takes long.
-    WidgetDocumentFiles(PlainTextEditControl& edit, BusyWork* busy);
+    WidgetDocumentFiles(ScintillaEditControl& edit, BusyWork* busy);
     LoadResult load(const QString& path, bool rtf, QString& error) override;
 
 protected:
@@ -52,7 +50,7 @@ protected:
     QByteArray saveRtf() override;
 
 private:
-    PlainTextEditControl& widgetEdit_;
+    ScintillaEditControl& widgetEdit_;
     BusyWork* busy_;
 };
 

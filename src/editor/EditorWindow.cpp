@@ -10,9 +10,9 @@
 #include "editor/LinkMenu.h"
 #include "editor/MenuKeys.h"
 #include "editor/MenuTable.h"
-#include "editor/PlainTextEditControl.h"
 #include "editor/ProgressDialog.h"
 #include "editor/Recovery.h"
+#include "editor/ScintillaEditControl.h"
 #include "editor/SearchCommands.h"
 #include "editor/StatusFields.h"
 #include "editor/UndoHistory.h"
@@ -26,9 +26,10 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QStatusBar>
 #include <QTimer>
+
+#include <Qsci/qsciscintillabase.h>
 
 namespace ed {
 
@@ -53,17 +54,16 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
                 child->setEnabled(true);
         }
     };
-    text_ = new QPlainTextEdit(this);
+    text_ = new QsciScintillaBase(this);
     text_->setObjectName(QStringLiteral("rtbEdit"));
-    text_->setFont(QFont(QStringLiteral("Arial")));
     setCentralWidget(text_);
-    edit_ = new PlainTextEditControl(text_);
+    edit_ = new ScintillaEditControl(text_);
+    edit_->setSelectionFont(FontSpec());
     busy_ = std::make_unique<BusyWork>(this);
-    edit_->setBusyWork(busy_.get());
     files_ = std::make_unique<WidgetDocumentFiles>(*edit_, busy_.get());
-    history_ = std::make_unique<UndoHistory>();
+    history_ = std::make_unique<UndoHistory>(*edit_);
     background_ = std::make_unique<BackgroundCommands>(BackgroundCommands::Services{
-        this, &dialogs_, &logger_, &startUp_, edit_, &form_, busy_.get(), edit_});
+        this, &dialogs_, &logger_, &startUp_, edit_, &form_, busy_.get()});
     browser_ = std::make_unique<web::DevToolsBrowserPort>(
         AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_, &fileDialogs_);
     siteList_ = std::make_unique<SiteListState>(std::make_unique<QtSiteTimer>());
@@ -94,7 +94,21 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     recoveryTimer_->setSingleShot(true);
     recoveryTimer_->setInterval(kRecoveryDelayMs);
     connect(recoveryTimer_, &QTimer::timeout, this, [this] { writeRecovery(); });
-    connect(text_, &QPlainTextEdit::textChanged, this, [this] { textChanged(); });
+    connect(edit_, &ScintillaEditControl::changed, this,
+            [this](qsizetype offset, const QByteArray& removed, const QByteArray& inserted,
+                   bool typed) {
+                history_->record(ByteChange{offset, removed, inserted, {}, {}}, typed,
+                                 QDateTime::currentMSecsSinceEpoch());
+                if (typed)
+                    updateHistoryItems(*ctx_);
+                textChanged();
+            });
+    connect(edit_, &ScintillaEditControl::formatsChanged, this, [this](const ByteChange& change) {
+        history_->record(change, false);
+        textChanged();
+    });
+    connect(edit_, &ScintillaEditControl::notice, this,
+            [this](const QString& text) { showStatus(text); });
 }
 
 EditorWindow::~EditorWindow() {
@@ -125,7 +139,7 @@ void EditorWindow::writeRecovery() {
     recoveryTimer_->stop();
     pendingSinceMs_ = -1;
     if (modified_)
-        recovery_->write(form_.caption, edit_->text(), QDateTime::currentDateTime());
+        recovery_->write(form_.caption, edit_->utf8(), QDateTime::currentDateTime());
 }
 
 void EditorWindow::dropRecovery() {
@@ -136,8 +150,6 @@ void EditorWindow::dropRecovery() {
 
 void EditorWindow::restartHistory() {
     history_->clear();
-    committed_ = edit_->text();
-    edit_->takeUserEdited();
     updateHistoryItems(*ctx_);
 }
 
@@ -154,7 +166,7 @@ void EditorWindow::offerRecovery() {
         // The recovered text is the document now, unsaved, under its own name; this process
         // keeps the copy from here on. The file on disk is not its origin: Save asks first.
         files_->reset();
-        edit_->setText(doc.text);
+        edit_->setUtf8(doc.text);
         adoptFileName(*ctx_, doc.path);
         restartHistory();
         setModified(true);
@@ -213,10 +225,6 @@ void EditorWindow::makeContext(Dialogs& dialogs, FileDialogs* fileDialogs) {
     ctx_->siteList = siteList_.get();
     ctx_->progress = progress_.get();
     ctx_->run = [this](const QString& item) { trigger(item); };
-    ctx_->replaceRangeCancellable = [this](int start, int length, const QString& text) {
-        return edit_->replaceRangeCancellable(*busy_, QStringLiteral("Working on the document..."),
-                                              start, length, text);
-    };
     ctx_->searchQuietly = [this](const QString& text) {
         QString s = text;
         FindText(*ctx_, s, nullptr, true);
@@ -247,15 +255,6 @@ bool EditorWindow::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
-void EditorWindow::commitTyping() {
-    if (edit_->takeUserEdited()) {
-        const QString now = edit_->text();
-        if (now != committed_)
-            history_->record(committed_, now);
-        committed_ = now;
-    }
-}
-
 void EditorWindow::buildMenus() {
     QHash<QString, QMenu*> menus;
     const QHash<QString, QString> texts = menuTexts();
@@ -275,7 +274,7 @@ void EditorWindow::buildMenus() {
                 connect(m, &QMenu::aboutToShow, this, [this] { mnuTools_Click(*ctx_); });
             if (name == u"mnuEdit")
                 connect(m, &QMenu::aboutToShow, this, [this] {
-                    commitTyping();
+                    history_->close();
                     updateHistoryItems(*ctx_);
                 });
             continue;
@@ -327,8 +326,9 @@ void EditorWindow::runItem(const QString& name) {
     // Each command is one step of the history; commands run by commands are part of theirs.
     const bool outermost = running_ == 0;
     const QString captionBefore = form_.caption;
+    const quint64 changesBefore = edit_->changeCount();
     if (outermost)
-        commitTyping();
+        history_->close();
     ++running_;
     if (outermost && BackgroundCommands::runsOnTextAlone(*d))
         background_->run(*d);
@@ -337,19 +337,14 @@ void EditorWindow::runItem(const QString& name) {
     --running_;
     if (!outermost)
         return;
-    edit_->takeUserEdited();
-    const QString now = edit_->text();
-    const bool historyItem = name == u"mnuUndo" || name == u"mnuRedo";
+    history_->close();
     // New, Open and Delete start a fresh history, unless the person cancelled them.
     const bool newDocument =
         (name == u"mnuNew" || name == u"mnuOpen" || name == u"mnuOpenSelect" ||
          name == u"mnuDelete") &&
-        (now != committed_ || form_.caption != captionBefore);
+        (edit_->changeCount() != changesBefore || form_.caption != captionBefore);
     if (newDocument)
         history_->clear();
-    else if (!historyItem && now != committed_)
-        history_->record(committed_, now);
-    committed_ = now;
     updateHistoryItems(*ctx_);
     updateFormat();
 }

@@ -20,12 +20,12 @@
 
 class QLabel;
 class QMenu;
-class QPlainTextEdit;
+class QsciScintillaBase;
 class QTimer;
 
 namespace ed {
 
-class PlainTextEditControl;
+class ScintillaEditControl;
 class TextDocumentFiles;
 class UndoHistory;
 class BackgroundCommands;
@@ -58,8 +58,8 @@ public:
     void dropRecovery() override;
 
     CommandContext& context() { return *ctx_; }
-    PlainTextEditControl& editControl() { return *edit_; }
-    QPlainTextEdit* textWidget() const { return text_; }
+    ScintillaEditControl& editControl() { return *edit_; }
+    QsciScintillaBase* textWidget() const { return text_; }
     ActionMenuState& menuState() { return menu_; }
     // Runs a menu item by name as if it had been clicked.
     void trigger(const QString& item);
@@ -86,8 +86,6 @@ private:
     void buildMenus();
     void runItem(const QString& name);
     void makeContext(Dialogs& dialogs, FileDialogs* fileDialogs);
-    // Typing since the last command becomes one undo step of its own.
-    void commitTyping();
     void textChanged();
     void offerRecovery();
     // After the document was replaced: a fresh history.
@@ -96,8 +94,8 @@ private:
     void updateFormat();
 
     StartUpState& startUp_;
-    QPlainTextEdit* text_ = nullptr;
-    PlainTextEditControl* edit_ = nullptr;
+    QsciScintillaBase* text_ = nullptr;
+    ScintillaEditControl* edit_ = nullptr;
     QtDialogs dialogs_;
     QtFileDialogs fileDialogs_;
     WidgetGeometry geometry_;
@@ -117,7 +115,6 @@ private:
     std::unique_ptr<SiteListState> siteList_;
     std::unique_ptr<ProgressDialog> progress_;
     std::unique_ptr<CommandContext> ctx_;
-    QString committed_; // the text as the history last saw it
     int running_ = 0;
     QMenu* fileMenu_ = nullptr;
     QList<QAction*> linkActions_;

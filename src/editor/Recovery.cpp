@@ -18,7 +18,7 @@ namespace ed {
 
 namespace {
 
-const QByteArray kMagic = "Editor recovery 1\n";
+const QByteArray kMagic = "Editor recovery 1\n"; // then the text as UTF-8 with CR LF breaks
 const QString kSuffix = QStringLiteral(".recovery");
 
 bool writeAll(int fd, const QByteArray& bytes) {
@@ -91,7 +91,7 @@ QString RecoveryStore::fileFor(const QString& path) const {
            QString::number(QCoreApplication::applicationPid()) + kSuffix;
 }
 
-void RecoveryStore::write(const QString& path, const QString& text, const QDateTime& time) {
+void RecoveryStore::write(const QString& path, const QByteArray& text, const QDateTime& time) {
     const QString file = fileFor(path);
     if (!current_.isEmpty() && current_ != file)
         remove();
@@ -101,7 +101,7 @@ void RecoveryStore::write(const QString& path, const QString& text, const QDateT
         bytes += QByteArray::number(QCoreApplication::applicationPid()) + '\n';
         bytes += QUrl::toPercentEncoding(path) + '\n';
         bytes += time.toString(Qt::ISODateWithMs).toLatin1() + '\n';
-        bytes += text.toUtf8();
+        bytes += text;
         writeAtomically(folder, file, bytes);
     });
 }
@@ -137,7 +137,7 @@ bool RecoveryStore::read(const QString& file, RecoveredDocument& out) {
     out.pid = fields[0].toLongLong();
     out.path = QUrl::fromPercentEncoding(fields[1]);
     out.time = QDateTime::fromString(QString::fromLatin1(fields[2]), Qt::ISODateWithMs);
-    out.text = QString::fromUtf8(bytes.constData() + pos, bytes.size() - pos);
+    out.text = bytes.sliced(pos);
     return !out.path.isEmpty();
 }
 

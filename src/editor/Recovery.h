@@ -16,7 +16,7 @@ struct RecoveredDocument {
     QString path; // the document's path
     QDateTime time;
     qint64 pid = 0;
-    QString text; // the document model (CR LF breaks)
+    QByteArray text; // the document model (UTF-8, CR LF breaks)
 };
 
 class RecoveryStore {
@@ -31,8 +31,8 @@ public:
     const QString& folder() const { return folder_; }
 
     // Schedules writing `text` as this process's recovery copy of the document `path`. A copy
-    // kept for another path goes. `text` is shared, not copied, until the worker encodes it.
-    void write(const QString& path, const QString& text, const QDateTime& time);
+    // kept for another path goes.
+    void write(const QString& path, const QByteArray& text, const QDateTime& time);
     // Schedules removing this process's copy (after the writes before it).
     void remove();
     // Waits for everything scheduled.

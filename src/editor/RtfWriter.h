@@ -6,8 +6,10 @@
 #include "editor/RtfContent.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 
-class QTextDocument;
+#include <array>
+
 
 namespace ed {
 
@@ -15,8 +17,12 @@ namespace ed {
 // reader produces).
 QByteArray writeRtf(const RtfContent& content);
 
-// The document's text and character formats (see rtfContentOf); defined with the other
-// QTextDocument conversions in RtfDocument.cpp, so that this file needs Qt Core only.
-QByteArray writeRtf(const QTextDocument& doc);
+// The same for text as the edit view holds it: UTF-8 bytes whose CR LF pairs end paragraphs,
+// the character starting at byte i in formats[styles[i]] (all in formats[0] when `styles` is
+// empty). Gives what writeRtf gives for the content those paragraphs and runs make, without
+// building it.
+QByteArray writeRtf(QByteArrayView text, QByteArrayView styles,
+                    const std::array<RtfCharFormat, 256>& formats);
+
 
 } // namespace ed

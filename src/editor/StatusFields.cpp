@@ -1,11 +1,11 @@
 #include "editor/StatusFields.h"
 
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
 
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QStatusBar>
-#include <QTextBlock>
+
+#include <Qsci/qsciscintillabase.h>
 
 namespace ed {
 
@@ -18,32 +18,30 @@ QLabel* addField(QStatusBar* bar, const char* name) {
 }
 } // namespace
 
-StatusFields::StatusFields(QStatusBar* bar, PlainTextEditControl& edit)
+StatusFields::StatusFields(QStatusBar* bar, ScintillaEditControl& edit)
     : QObject(bar), edit_(edit), position_(addField(bar, "lblPosition")),
       selection_(addField(bar, "lblSelection")), encoding_(addField(bar, "lblEncoding")),
       lineBreak_(addField(bar, "lblLineBreak")) {
-    connect(edit.widget(), &QPlainTextEdit::cursorPositionChanged, this, [this] { showCaret(); });
-    connect(edit.widget(), &QPlainTextEdit::selectionChanged, this, [this] { showCaret(); });
+    connect(&edit, &ScintillaEditControl::caretMoved, this, [this] { showCaret(); });
     showCaret();
 }
 
 void StatusFields::showCaret() {
     // Lines and columns of the text as it reads, counted from 1; a line break selected counts one.
-    // A block of the widget may hold several lines: each model line break before the caret is one
-    // widget position fewer than the model counts.
-    const QTextCursor c = edit_.widget()->textCursor();
-    const int pos = c.position();
-    const int line = edit_.toModel(pos) - pos;
-    int column = c.positionInBlock();
-    const qsizetype sep =
-        column > 0 ? c.block().text().lastIndexOf(QChar::LineSeparator, column - 1) : -1;
-    if (sep >= 0) {
-        const int after = c.block().position() + int(sep) + 1;
-        if (edit_.toModel(after) - after > edit_.toModel(after - 1) - (after - 1))
-            column -= int(sep) + 1; // that separator is a line break
-    }
+    using Sci = QsciScintillaBase;
+    QsciScintillaBase* view = edit_.view();
+    const ScintillaEditControl::Selection sel = edit_.selectionBytes();
+    const long caret = long(sel.caret);
+    const long line = view->SendScintilla(Sci::SCI_LINEFROMPOSITION, caret);
+    const long lineStart = view->SendScintilla(Sci::SCI_POSITIONFROMLINE, line);
+    const long column = view->SendScintilla(Sci::SCI_COUNTCODEUNITS, lineStart, caret);
+    const long from = long(sel.start());
+    const long to = long(sel.end());
+    const long breaks = view->SendScintilla(Sci::SCI_LINEFROMPOSITION, to) -
+                        view->SendScintilla(Sci::SCI_LINEFROMPOSITION, from);
+    const long selected = edit_.modelPosition(to) - edit_.modelPosition(from) - breaks;
     position_->setText(tr("Ln %1, Col %2").arg(line + 1).arg(column + 1));
-    selection_->setText(tr("Sel %1").arg(c.selectionEnd() - c.selectionStart()));
+    selection_->setText(tr("Sel %1").arg(selected));
 }
 
 void StatusFields::showFormat(const TextFormat& format, bool rtf) {

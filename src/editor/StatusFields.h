@@ -11,20 +11,20 @@ class QStatusBar;
 
 namespace ed {
 
-class PlainTextEditControl;
+class ScintillaEditControl;
 
 class StatusFields : public QObject {
 public:
     // Adds the fields to `bar` (after its permanent widgets so far); the caret fields follow the
     // widget of `edit`.
-    StatusFields(QStatusBar* bar, PlainTextEditControl& edit);
+    StatusFields(QStatusBar* bar, ScintillaEditControl& edit);
     // The format Save writes: an RTF document has no encoding or line-break style of its own.
     void showFormat(const TextFormat& format, bool rtf);
 
 private:
     void showCaret();
 
-    PlainTextEditControl& edit_;
+    ScintillaEditControl& edit_;
     QLabel* position_;
     QLabel* selection_;
     QLabel* encoding_;

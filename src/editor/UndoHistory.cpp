@@ -1,114 +1,114 @@
 #include "editor/UndoHistory.h"
 
-#include <algorithm>
-#include <cstring>
+#include "editor/ViewStyles.h"
+
+#include <utility>
 
 namespace ed {
 
-namespace {
-
-// Compared in blocks with memcmp first; the mismatching block is then walked one unit at a time.
-constexpr qsizetype kBlock = 4096;
-
-qsizetype commonPrefix(const char16_t* a, const char16_t* b, qsizetype n) {
-    qsizetype i = 0;
-    while (n - i >= kBlock && std::memcmp(a + i, b + i, kBlock * sizeof(char16_t)) == 0)
-        i += kBlock;
-    while (i < n && a[i] == b[i])
-        ++i;
-    return i;
+qsizetype ByteChange::bytes() const {
+    return removed.size() + inserted.size() + (stylesBefore ? stylesBefore->memoryBytes() : 0) +
+           (stylesAfter ? stylesAfter->memoryBytes() : 0);
 }
 
-// `a` and `b` point one past the last unit; at most n units are compared backwards.
-qsizetype commonSuffix(const char16_t* a, const char16_t* b, qsizetype n) {
-    qsizetype i = 0;
-    while (n - i >= kBlock &&
-           std::memcmp(a - i - kBlock, b - i - kBlock, kBlock * sizeof(char16_t)) == 0)
-        i += kBlock;
-    while (i < n && a[-i - 1] == b[-i - 1])
-        ++i;
-    return i;
+bool UndoHistory::continues(const Step& open, const ByteChange& change) {
+    if (!open.typed || open.changes.empty())
+        return false;
+    const ByteChange& last = open.changes.back();
+    const qsizetype lastEnd = last.offset + last.inserted.size();
+    // Typing on, deleting backwards from where the last change ended, or deleting forwards at it.
+    return change.offset == lastEnd || change.offset + change.removed.size() == last.offset ||
+           change.offset + change.removed.size() == lastEnd || change.offset == last.offset;
 }
 
-} // namespace
-
-PackedText::PackedText(QStringView text) : narrow_(QtPrivate::isLatin1(text)) {
-    if (narrow_)
-        latin1_ = text.toLatin1();
-    else
-        wide_ = text.toString();
-}
-
-QString PackedText::unpacked() const {
-    return narrow_ ? QString::fromLatin1(latin1_) : wide_;
-}
-
-CommonEnds commonEnds(QStringView a, QStringView b) {
-    const auto* pa = reinterpret_cast<const char16_t*>(a.data());
-    const auto* pb = reinterpret_cast<const char16_t*>(b.data());
-    const qsizetype shorter = std::min(a.size(), b.size());
-    CommonEnds e;
-    e.prefix = commonPrefix(pa, pb, shorter);
-    e.suffix = commonSuffix(pa + a.size(), pb + b.size(), shorter - e.prefix);
-    return e;
-}
-
-void UndoHistory::record(const QString& before, const QString& after) {
-    const CommonEnds e = commonEnds(before, after);
-    if (e.prefix == before.size() && before.size() == after.size())
-        return; // nothing changed
-    for (const Step& s : redo_)
-        stored_ -= s.bytes();
-    redo_.clear();
-    Step step;
-    step.offset = e.prefix;
-    step.removed =
-        PackedText(QStringView(before).mid(e.prefix, before.size() - e.prefix - e.suffix));
-    step.inserted =
-        PackedText(QStringView(after).mid(e.prefix, after.size() - e.prefix - e.suffix));
-    stored_ += step.bytes();
-    undo_.push_back(std::move(step));
-    dropOldest();
-}
-
-std::optional<HistoryChange> UndoHistory::next(bool undo, qsizetype documentLength) {
-    const std::deque<Step>& from = undo ? undo_ : redo_;
-    if (from.empty())
-        return std::nullopt;
-    const Step& step = from.back();
-    const PackedText& now = undo ? step.inserted : step.removed;
-    if (step.offset + now.size() > documentLength) {
-        clear(); // the document was changed behind the history's back
-        return std::nullopt;
+void UndoHistory::record(ByteChange change, bool typed, qint64 nowMs) {
+    if (replaying_ || change.bytes() == 0)
+        return;
+    dropRedo();
+    const bool pause = typed && nowMs - lastTypedMs_ > kBurstPauseMs;
+    if (typed)
+        lastTypedMs_ = nowMs;
+    Step* open = open_ && !undo_.empty() ? &undo_.back() : nullptr;
+    if (open && (open->typed != typed || (typed && (pause || !continues(*open, change))))) {
+        open = nullptr;
     }
-    return HistoryChange{step.offset, now.size(), (undo ? step.removed : step.inserted).unpacked()};
+    if (!open) {
+        undo_.push_back(Step());
+        open = &undo_.back();
+        open->typed = typed;
+        open_ = true;
+    }
+    const qsizetype size = change.bytes();
+    ByteChange* last = open->changes.empty() ? nullptr : &open->changes.back();
+    if (typed && last && !last->stylesBefore && change.removed.isEmpty() &&
+        change.offset == last->offset + last->inserted.size()) {
+        last->inserted += change.inserted; // typing on: one change grows
+    } else {
+        open->changes.push_back(std::move(change));
+    }
+    open->bytes += size;
+    stored_ += size;
+    while (stored_ > limit_ && !undo_.empty())
+        dropOldest();
 }
 
-void UndoHistory::done(bool undo) {
+void UndoHistory::close() {
+    open_ = false;
+}
+
+bool UndoHistory::undo() {
+    return step(true);
+}
+
+bool UndoHistory::redo() {
+    return step(false);
+}
+
+bool UndoHistory::step(bool undo) {
+    close();
     std::deque<Step>& from = undo ? undo_ : redo_;
     std::deque<Step>& to = undo ? redo_ : undo_;
     if (from.empty())
-        return;
-    to.push_back(std::move(from.back()));
-    from.pop_back();
-}
-
-bool UndoHistory::undo(EditControl& edit) {
-    return step(true, edit);
-}
-
-bool UndoHistory::redo(EditControl& edit) {
-    return step(false, edit);
-}
-
-bool UndoHistory::step(bool undo, EditControl& edit) {
-    const std::optional<HistoryChange> change = next(undo, edit.textLength());
-    if (!change)
         return false;
-    edit.replaceRange(int(change->offset), int(change->length), change->text);
-    edit.setSelStart(int(change->offset));
-    edit.setSelLength(0);
-    done(undo);
+    Step s = std::move(from.back());
+    from.pop_back();
+    // A step applies only to the document it was recorded on: check what it expects to find.
+    const auto fits = [&](const ByteChange& c) {
+        const QByteArray& expect = undo ? c.inserted : c.removed;
+        const QByteArrayView doc = target_.historyBytes();
+        return c.offset >= 0 && c.offset + expect.size() <= doc.size() &&
+               doc.sliced(c.offset, expect.size()) == expect;
+    };
+    replaying_ = true;
+    qsizetype caret = -1;
+    const auto apply = [&](const ByteChange& c) {
+        if (!fits(c))
+            return false;
+        const QByteArray& gone = undo ? c.inserted : c.removed;
+        const QByteArray& back = undo ? c.removed : c.inserted;
+        if (!gone.isEmpty() || !back.isEmpty())
+            target_.replaceHistoryBytes(c.offset, gone.size(), back);
+        if (const auto& styles = undo ? c.stylesBefore : c.stylesAfter)
+            target_.restoreHistoryStyles(*styles);
+        caret = c.offset;
+        return true;
+    };
+    bool ok = true;
+    if (undo) {
+        for (auto it = s.changes.rbegin(); ok && it != s.changes.rend(); ++it)
+            ok = apply(*it);
+    } else {
+        for (auto it = s.changes.begin(); ok && it != s.changes.end(); ++it)
+            ok = apply(*it);
+    }
+    replaying_ = false;
+    if (!ok) {
+        clear();
+        return false;
+    }
+    if (caret >= 0)
+        target_.placeHistoryCaret(caret);
+    to.push_back(std::move(s));
     return true;
 }
 
@@ -116,23 +116,32 @@ void UndoHistory::clear() {
     undo_.clear();
     redo_.clear();
     stored_ = 0;
+    open_ = false;
 }
 
 void UndoHistory::setLimitBytes(qsizetype bytes) {
     limit_ = bytes;
-    dropOldest();
+    while (stored_ > limit_ && (!undo_.empty() || !redo_.empty())) {
+        if (!redo_.empty()) {
+            stored_ -= redo_.front().bytes;
+            redo_.pop_front();
+        } else {
+            dropOldest();
+        }
+    }
 }
 
 void UndoHistory::dropOldest() {
-    // Redo steps are newer than every undo step; they go only when no undo step is left.
-    while (stored_ > limit_ && !undo_.empty()) {
-        stored_ -= undo_.front().bytes();
-        undo_.pop_front();
-    }
-    while (stored_ > limit_ && !redo_.empty()) {
-        stored_ -= redo_.front().bytes();
-        redo_.pop_front();
-    }
+    stored_ -= undo_.front().bytes;
+    undo_.pop_front();
+    if (undo_.empty())
+        open_ = false;
+}
+
+void UndoHistory::dropRedo() {
+    for (const Step& s : redo_)
+        stored_ -= s.bytes;
+    redo_.clear();
 }
 
 } // namespace ed

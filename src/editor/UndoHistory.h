@@ -1,73 +1,76 @@
 #pragma once
-// Many-level undo and redo of the window's commands. Each step keeps only what changed: the
-// text removed, the text inserted and where, with the common beginning and end of the two
-// documents left out, so a small edit in a large document costs a few bytes. The history keeps at
-// most a given amount of stored text and forgets its oldest steps first.
+// Many-level undo and redo of the window's document. The edit control reports every change as
+// the bytes removed and inserted at an offset; the history groups them into steps: all changes
+// of one command are one step, and typing is one step per burst (changes next to each other,
+// with no pause of more than a couple of seconds and no command in between). A step keeps only
+// what changed, so a small edit in a large document costs a few bytes. The history keeps at most
+// a given amount of stored bytes and forgets its oldest steps first.
 //
-// The window records every change of the document, as the text before and after it. This is
-// separate from the insert buffer (FormState::UndoText), which keeps its own one-level behaviour.
-
-#include "app/Ports.h"
+// This is separate from the insert buffer (FormState::UndoText), which keeps its own one-level
+// behaviour.
 
 #include <QByteArray>
-#include <QString>
+#include <QByteArrayView>
 
 #include <deque>
-#include <optional>
+#include <memory>
+#include <vector>
 
 namespace ed {
 
-// Text kept by the history: one byte a character when every character fits in one (most
-// documents), two otherwise.
-class PackedText {
-public:
-    PackedText() = default;
-    explicit PackedText(QStringView text);
-    QString unpacked() const;
-    qsizetype size() const { return narrow_ ? latin1_.size() : wide_.size(); }
-    qsizetype bytes() const { return narrow_ ? latin1_.size() : 2 * wide_.size(); }
+struct StyleSnapshot;
 
-private:
-    bool narrow_ = true;
-    QByteArray latin1_;
-    QString wide_;
+// What the history changes when it takes a step back or again: the document's bytes.
+class HistoryTarget {
+public:
+    virtual ~HistoryTarget() = default;
+    virtual QByteArrayView historyBytes() const = 0;
+    // Replaces `length` bytes at `offset` by `with`; this change is not reported back.
+    virtual void replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) = 0;
+    // The caret goes to `offset` with nothing selected.
+    virtual void placeHistoryCaret(qsizetype offset) = 0;
+    // Puts the character formats of a stretch back as they were.
+    virtual void restoreHistoryStyles(const StyleSnapshot& styles) = 0;
 };
 
-// What an undo or redo does to the document: `length` units at `offset` become `text`.
-struct HistoryChange {
+// `removed` at `offset` became `inserted`; for a change of formats alone, the formats of a
+// stretch went from `stylesBefore` to `stylesAfter`.
+struct ByteChange {
     qsizetype offset = 0;
-    qsizetype length = 0;
-    QString text;
+    QByteArray removed;
+    QByteArray inserted;
+    std::shared_ptr<const StyleSnapshot> stylesBefore;
+    std::shared_ptr<const StyleSnapshot> stylesAfter;
+    qsizetype bytes() const; // memory it holds
 };
 
 class UndoHistory {
 public:
     static constexpr qsizetype kDefaultLimitBytes = qsizetype(256) * 1024 * 1024;
+    // Typing after a pause this long starts a new step.
+    static constexpr qint64 kBurstPauseMs = 2000;
 
-    explicit UndoHistory(qsizetype limitBytes = kDefaultLimitBytes) : limit_(limitBytes) {}
+    explicit UndoHistory(HistoryTarget& target, qsizetype limitBytes = kDefaultLimitBytes)
+        : target_(target), limit_(limitBytes) {}
 
-    // One step from `before` to `after`; nothing when they are equal. Clears what could be redone.
-    void record(const QString& before, const QString& after);
+    // A change of the document. Typed changes join the open typing step when they continue it;
+    // other changes join the open step of the command under way. Clears what could be redone.
+    void record(ByteChange change, bool typed, qint64 nowMs = 0);
+    // Ends the open step: the next change starts a new one.
+    void close();
 
-    // Takes back the latest step (or does again the latest undone one) in `edit` with the
-    // smallest replacement, then puts the caret at the start of the changed part with nothing
-    // selected. False when there is nothing to do, or when the document no longer fits the
-    // history (it was changed without being recorded): the history is then emptied.
-    bool undo(EditControl& edit);
-    bool redo(EditControl& edit);
-
-    // The same in two halves, for a caller that may be stopped in between: the change the next
-    // undo (redo) makes to a document of `documentLength` units, and then, once it was made,
-    // the move of the step. nullopt when there is nothing to do or the document no longer fits
-    // (the history is then emptied).
-    std::optional<HistoryChange> next(bool undo, qsizetype documentLength);
-    void done(bool undo);
+    // Takes back the latest step (or does again the latest undone one), then puts the caret at
+    // the start of the changed part. False when there is nothing to do, or when the document no
+    // longer fits the history (it was changed without being recorded): the history is then
+    // emptied.
+    bool undo();
+    bool redo();
 
     bool canUndo() const { return !undo_.empty(); }
     bool canRedo() const { return !redo_.empty(); }
     void clear();
 
-    // Bytes of text the steps hold (two per UTF-16 unit), undo and redo together.
+    // Bytes the steps hold, undo and redo together.
     qsizetype storedBytes() const { return stored_; }
     qsizetype limitBytes() const { return limit_; }
     // A smaller limit forgets the oldest steps at once.
@@ -77,26 +80,25 @@ public:
 
 private:
     struct Step {
-        qsizetype offset = 0;
-        PackedText removed;  // what `before` held at offset
-        PackedText inserted; // what `after` holds there
-        qsizetype bytes() const { return removed.bytes() + inserted.bytes(); }
+        std::vector<ByteChange> changes;
+        qsizetype bytes = 0;
+        bool typed = false;
     };
 
-    bool step(bool undo, EditControl& edit);
+    bool step(bool undo);
+    // True when `change` continues the typing of `open`.
+    static bool continues(const Step& open, const ByteChange& change);
     void dropOldest();
+    void dropRedo();
 
+    HistoryTarget& target_;
     std::deque<Step> undo_;
     std::deque<Step> redo_;
+    bool open_ = false; // the newest undo step still takes changes
+    bool replaying_ = false;
+    qint64 lastTypedMs_ = 0;
     qsizetype stored_ = 0;
     qsizetype limit_;
 };
-
-// Lengths of the longest common beginning and, in what remains, the longest common end.
-struct CommonEnds {
-    qsizetype prefix = 0;
-    qsizetype suffix = 0;
-};
-CommonEnds commonEnds(QStringView a, QStringView b);
 
 } // namespace ed

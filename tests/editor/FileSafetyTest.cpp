@@ -4,7 +4,7 @@
 // without asking. Offscreen, over real files.
 
 #include "editor/EditorWindow.h"
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
 #include "editor/Recovery.h"
 #include "WindowFixture.h"
 #include "support/Fakes.h"
@@ -15,9 +15,9 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QTemporaryDir>
 
+#include <Qsci/qsciscintillabase.h>
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>

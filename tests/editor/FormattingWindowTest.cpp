@@ -2,11 +2,8 @@
 // writes them and opening the file shows them again.
 
 #include "WindowFixture.h"
-#include "editor/PlainTextEditControl.h"
-#include "editor/RtfDocument.h"
-
-#include <QPlainTextEdit>
-#include <QTextDocument>
+#include "editor/RtfReader.h"
+#include "editor/ScintillaEditControl.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +17,7 @@ protected:
     // The point size of each character the window shows, line by line.
     std::vector<std::vector<double>> shownSizes() {
         std::vector<std::vector<double>> lines;
-        const RtfContent content = rtfContentOf(*window_->editControl().widget()->document());
+        const RtfContent content = parseRtf(window_->editControl().saveRtf());
         for (const RtfParagraph& p : content.paragraphs) {
             lines.emplace_back();
             for (const RtfRun& run : p.runs)
@@ -67,7 +64,7 @@ TEST_F(FormattingWindowTest, FloatFontSurvivesSaveRtfAndReopen) {
 }
 
 TEST_F(FormattingWindowTest, FloatFontOnTheWholeOfAManyLineDocument) {
-    // Lines are held several to a block: each line break still takes one size.
+    // Each line break takes one size.
     QByteArray bytes;
     for (int i = 0; i < 40; ++i)
         bytes += "ab\r\n";

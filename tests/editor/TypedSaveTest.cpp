@@ -3,14 +3,14 @@
 // differ from the bytes of the file.
 
 #include "editor/EditorWindow.h"
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
 #include "support/Fakes.h"
 
 #include <QApplication>
 #include <QKeyEvent>
-#include <QPlainTextEdit>
 #include <QTemporaryDir>
 
+#include <Qsci/qsciscintillabase.h>
 #include <gtest/gtest.h>
 
 using namespace ed;
@@ -54,8 +54,8 @@ TEST(TypedSave, EveryOtherByteOfTheFileStays) {
         window.setFileDialogs(&files);
         window.load();
         window.show();
-        QPlainTextEdit* text = window.textWidget();
-        text->moveCursor(QTextCursor::Start);
+        QWidget* text = window.textWidget();
+        window.editControl().setSelStart(0);
         // A key press and release as the keyboard gives them.
         for (QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
             QKeyEvent key(type, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));

@@ -6,7 +6,7 @@
 #include "editor/EditorWindow.h"
 #include "editor/MenuKeys.h"
 #include "editor/MenuTable.h"
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
 #include "support/Fakes.h"
 
 #include <QApplication>
@@ -15,9 +15,9 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QStatusBar>
 
+#include <Qsci/qsciscintillabase.h>
 #include <gtest/gtest.h>
 
 using namespace ed;

@@ -13,7 +13,7 @@
 
 #include "editor/EditorWindow.h"
 #include "editor/MenuTable.h"
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
 #include "web/BrowserPort.h"
 #include "web/CdpClient.h"
 #include "web/CdpConnector.h"

@@ -8,7 +8,9 @@
 #include "support/Fakes.h"
 
 #include "editor/EditorWindow.h"
-#include "editor/PlainTextEditControl.h"
+#include "editor/ScintillaEditControl.h"
+
+#include <QElapsedTimer>
 #include "editor/ProgressDialog.h"
 #include "web/Downloader.h"
 #include "web/WaitLoop.h"

@@ -1,0 +1,132 @@
+#pragma once
+// The character formats of the edit view (font, size, bold, italic, underline, colour) as
+// QScintilla styles: one style per distinct format, one style number per byte of the text. Style
+// 0 is the document's font, for every character without a format of its own. Everything here
+// works on byte offsets into the view's UTF-8 text and touches each byte a constant number of
+// times, so a format change over megabytes stays quick.
+
+#include "app/Ports.h"
+#include "editor/RtfContent.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <array>
+#include <optional>
+#include <utility>
+
+class QsciScintillaBase;
+
+namespace ed {
+
+// The formats of a stretch of the text as they were, to be put back by an undo.
+struct StyleSnapshot {
+    qsizetype start = 0;
+    qsizetype length = 0;
+    // The style of each byte; a single one when all bytes had the same (a plain stretch).
+    QByteArray styles;
+    // What each style number of `styles` showed; none: the document's font.
+    QList<std::optional<RtfCharFormat>> formats;
+    bool rich = false;
+
+    qsizetype memoryBytes() const {
+        return qsizetype(sizeof(StyleSnapshot)) + styles.size() +
+               formats.size() * qsizetype(sizeof(std::optional<RtfCharFormat>));
+    }
+};
+
+class ViewStyles : public QObject {
+    Q_OBJECT
+public:
+    // Style numbers a format can have: all but 0 and the view's own 32 to 39.
+    static constexpr int kFormatStyles = 256 - 1 - 8;
+
+    // Sets up `view` for styles kept by this class (the container lexer, UTF-8).
+    explicit ViewStyles(QsciScintillaBase* view);
+
+    // The font where a character has none of its own.
+    void setDocumentFont(const FontSpec& font);
+    FontSpec documentFont() const { return documentFont_; }
+    // The document carries formats of its own (it was loaded from RTF or got some since).
+    bool isRich() const { return rich_; }
+
+    // Replaces the view's text and formats by an RTF file's content, as one undo step of the
+    // view. False, with the view untouched and the reason in *error, when the bytes are not
+    // readable RTF. With more distinct formats than styles, the rarest take the look of their
+    // nearest and *notice says so; otherwise *notice is cleared.
+    bool loadRtf(const QByteArray& rtf, QString* error, QString* notice);
+    // What the view shows, as RTF (a plain document all in the document's font).
+    QByteArray saveRtf() const;
+
+    // Change Font on the bytes [start, start + length): each character keeps its underline and
+    // colour and takes the font's name, size (unless 0), bold and italic. The whole text of a
+    // plain document only changes the document's font.
+    void setFont(qsizetype start, qsizetype length, const FontSpec& font);
+    // The font of the character at byte `pos` (of the last one at the end of the text).
+    FontSpec fontAt(qsizetype pos) const;
+    // Each character of [start, start + length) (a UTF-8 sequence; a CR LF is one) takes
+    // the next point size of `cycle`, from its first again when it runs out.
+    void setSizeCycle(qsizetype start, qsizetype length, const QList<double>& cycle);
+    // Every character in `font`, with no size, colour or underline of its own.
+    void clearFormatting(const FontSpec& font);
+    // Text just inserted at [start, start + length) takes the format of the character before it
+    // (of the one after it at the start of the text).
+    void inheritFormat(qsizetype start, qsizetype length);
+
+    // For undo: the formats of a stretch, and putting them back (the text is the same again).
+    StyleSnapshot snapshot(qsizetype start, qsizetype length) const;
+    void restore(const StyleSnapshot& snapshot);
+
+    // Text the view's own undo or redo puts back gets the formats it had when it was deleted:
+    // every deletion the view reports (SC_MOD_BEFOREDELETE must stay in its event mask) keeps
+    // the formats of what it removes, up to a memory bound. Forget them when the view's undo
+    // history is emptied.
+    void forgetDeletions();
+
+    // A status-bar text when the last format change had to show some formats as their nearest
+    // (every style was taken); empty otherwise. Reading it clears it.
+    QString takeNotice() { return std::exchange(notice_, QString()); }
+
+private:
+    using FormatTable = std::array<std::optional<RtfCharFormat>, 256>;
+
+    qsizetype length() const;
+    const char* bytes() const;
+    // True when a byte has another style than 0 (read, not from the flag).
+    bool hasOwnFormats() const;
+    // The style of each byte of a stretch. Only a rich document has other styles than 0.
+    QByteArray readStyles(qsizetype start, qsizetype length) const;
+    void writeStyles(qsizetype start, const QByteArray& styles);
+    void defineStyle(int style);
+    // The style showing `format` (0 for none), a new one when none does. When every style is
+    // taken, first frees those no byte outside [keepStart, keepEnd) nor `inUse` shows.
+    int styleFor(const std::optional<RtfCharFormat>& format, qsizetype keepStart, qsizetype keepEnd,
+                 const std::array<bool, 256>& inUse, bool& reclaimed);
+    // Rewrites the styles of [start, start + source.size()): the character starting at byte i
+    // becomes format formatOf(keyOf(source[i], its index among the characters)).
+    template <class KeyOf, class FormatOf>
+    void rewrite(qsizetype start, QByteArray source, qsizetype keyCount, KeyOf keyOf,
+                 FormatOf formatOf);
+    // The format a character of style `style` has: its own, or one made of the document font.
+    RtfCharFormat effectiveFormat(const FormatTable& table, int style) const;
+
+    void modified(int position, int type, int length);
+
+    QsciScintillaBase* view_;
+    FontSpec documentFont_;
+    bool rich_ = false;
+    FormatTable formats_; // by style number; none: free (and always for 0 and 32 to 39)
+    QString notice_;
+    // The formats of deleted text, newest last. Text deleted by an undo comes back by a redo,
+    // any other by an undo.
+    struct Deletion {
+        StyleSnapshot styles;
+        bool byUndo = false;
+    };
+    QList<Deletion> deletions_;
+    qsizetype deletionBytes_ = 0;
+};
+
+} // namespace ed
