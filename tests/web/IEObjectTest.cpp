@@ -143,20 +143,6 @@ TEST(IEObject, LinksOfAllFramesOverwriteEachOther) {
     }
 }
 
-TEST(IEObject, WebLinksKeepTheirIndex) {
-    const std::pair<QStringList, QStringList> cases[] = {
-        {{"http://a.com/", "mailto:joe@example.com", "https://b.com/"},
-         {"http://a.com/", "", "https://b.com/"}},
-        {{"http://a.com/", "mailto:joe@example.com", "javascript:void(0)"}, {"http://a.com/"}},
-        {{}, {""}},
-    };
-    for (const auto& [links, expected] : cases) {
-        Session s;
-        s.window.top = doc("TOP", links);
-        EXPECT_EQ(s.ie->GetLinksOnWebPage(), expected);
-    }
-}
-
 TEST(IEObject, TitleAndTagContentComeFromTheHtml) {
     Session s;
     s.window.top = doc("<head><title>Home</title></head><body><i>one</i></body>");
