@@ -64,19 +64,30 @@ TEST(BrowserCommands, HtmlAndTextOfTheTopDocumentAreInsertedAtTheCaret) {
     }
 }
 
-TEST(BrowserCommands, WithoutABrowserNothingIsLoadedAndTheUserIsTold) {
+// Every command that reads the browser attaches the same way: without a browser nothing is
+// loaded and the status bar says why; a browser that fails midway is logged.
+TEST(BrowserCommands, WithoutABrowserOrWhenItFailsNothingIsLoaded) {
     for (const QString item :
-         {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks", "mnuNavigateToSel"}) {
+         {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks", "mnuGetBrowserEmail",
+          "mnuGetPhoneNumbers", "mnuGetFaxNumbers", "mnuNavigateToSel"}) {
         SCOPED_TRACE(item.toStdString());
-        Browser b("abc");
-        b.port.connector->browserOpen = false;
-        b.h.clipboard.setText("example.org");
-        b.h.run(item);
         // An empty text goes in at the caret, followed by InsertText's line break.
-        EXPECT_EQ(b.h.edit.text(), item == "mnuNavigateToSel" ? "abc" : "\r\nabc");
-        EXPECT_EQ(b.h.window.statuses, QStringList{noBrowserMessage(b.port)});
-        EXPECT_TRUE(b.window().navigations.isEmpty());
-        EXPECT_TRUE(b.h.log.errors.empty());
+        const QString unchanged = item == "mnuNavigateToSel" ? "abc" : "\r\nabc";
+        Browser none("abc");
+        none.port.connector->browserOpen = false;
+        none.h.clipboard.setText("example.org");
+        none.h.run(item);
+        EXPECT_EQ(none.h.edit.text(), unchanged);
+        EXPECT_EQ(none.h.window.statuses, QStringList{noBrowserMessage(none.port)});
+        EXPECT_TRUE(none.window().navigations.isEmpty());
+        EXPECT_TRUE(none.h.log.errors.empty());
+
+        Browser failing("abc");
+        failing.window().failEverything = true;
+        failing.h.run(item);
+        EXPECT_EQ(failing.h.edit.text(), unchanged);
+        ASSERT_EQ(failing.h.log.errors.size(), 1u);
+        EXPECT_EQ(failing.h.log.errors[0].module, "cIEObject");
     }
     Harness h("abc"); // no browser port at all
     h.run("mnuGetBrowserHtml");
@@ -84,16 +95,6 @@ TEST(BrowserCommands, WithoutABrowserNothingIsLoadedAndTheUserIsTold) {
     ASSERT_EQ(h.window.statuses.size(), 1u);
     EXPECT_TRUE(h.window.statuses[0].startsWith("no browser found"));
     EXPECT_TRUE(h.log.errors.empty());
-}
-
-TEST(BrowserCommands, ABrowserFailingMidwayIsLoggedAndInsertsNothingOfIt) {
-    Browser b("abc");
-    b.window().failEverything = true;
-    b.h.run("mnuGetBrowserLinks");
-    EXPECT_EQ(b.h.edit.text(), "\r\nabc");
-    ASSERT_EQ(b.h.log.errors.size(), 1u);
-    EXPECT_EQ(b.h.log.errors[0].module, "cIEObject");
-    EXPECT_EQ(b.h.log.errors[0].location, "Function GetLinksOnWebPage");
 }
 
 TEST(BrowserCommands, NavigateToSelSendsTheBrowserToItsSelection) {

@@ -1,6 +1,6 @@
 // Harvesting a page: e-mail addresses cut out of running text and mailto: links, phone and fax
 // numbers, and the Email, Phone #s, Fax #s and Any Tag Content commands over a scripted browser
-// (frames, repeats, an unreadable frame, no browser, prompts and their remembered answers).
+// (frames, repeats, an unreadable frame, prompts and their remembered answers).
 
 #include "FakeBrowser.h"
 #include "support/Fakes.h"
@@ -114,29 +114,6 @@ TEST(HarvestCommands, AddressesAndNumbersComeFromThePageAndItsFrames) {
         EXPECT_EQ(b.h.edit.text(), "doc" + c.inserted);
         EXPECT_EQ(b.h.form.UndoText, "doc");
         EXPECT_TRUE(b.h.log.errors.empty());
-    }
-}
-
-TEST(HarvestCommands, NoBrowserOrNoMatchInsertsNothing) {
-    for (const char* item : {"mnuGetBrowserEmail", "mnuGetPhoneNumbers", "mnuGetFaxNumbers"}) {
-        SCOPED_TRACE(item);
-        Browser none("abc");
-        none.port.connector->browserOpen = false;
-        none.h.run(item);
-        EXPECT_EQ(none.h.edit.text(), "\r\nabc");
-        EXPECT_EQ(none.h.window.statuses, QStringList{noBrowserMessage(none.port)});
-
-        Browser empty("abc");
-        empty.window().top = {"<p>nothing</p>", "nothing here at all", {"http://example.com/"}};
-        empty.h.run(item);
-        EXPECT_EQ(empty.h.edit.text(), "\r\nabc");
-        EXPECT_TRUE(empty.h.window.statuses.isEmpty());
-
-        Browser failing("abc");
-        failing.window().failEverything = true;
-        failing.h.run(item);
-        EXPECT_EQ(failing.h.edit.text(), "\r\nabc");
-        EXPECT_EQ(failing.h.log.errors.size(), 1u);
     }
 }
 
