@@ -14,6 +14,13 @@
 
 namespace ed::test {
 
+QStringList FakeDialogs::shown() const {
+    QStringList out;
+    for (const PromptEvent& p : prompts)
+        out << p.prompt + u'|' + p.title + u'|' + p.defaultAnswer;
+    return out;
+}
+
 QString FakeDialogs::inputBox(const QString& prompt, const QString& title,
                               const QString& defaultAnswer) {
     prompts.push_back({prompt, title, defaultAnswer});

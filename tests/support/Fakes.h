@@ -42,6 +42,9 @@ public:
     // The default button of each question asked through ask(), by its text.
     QMap<QString, Answer> defaults;
 
+    // Each prompt shown so far as "prompt|title|default answer".
+    QStringList shown() const;
+
     QString inputBox(const QString& prompt, const QString& title,
                      const QString& defaultAnswer) override;
     Answer messageBox(const QString& text, const QString& title, Buttons buttons,

@@ -41,10 +41,7 @@ TEST(CodeArray, OffersOnlyTheRememberedName) {
     h.setSetting("frmEdit", "Previous ArrayName", "Old");
     h.select(0, 8);
     h.run("mnuCreateCodeArrayOfWordList"); // cancelled
-    ASSERT_EQ(h.dialogs.prompts.size(), 1u);
-    EXPECT_EQ(h.dialogs.prompts[0].prompt, "Enter Array name");
-    EXPECT_EQ(h.dialogs.prompts[0].title, "Array name");
-    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "Old");
+    EXPECT_EQ(h.dialogs.shown(), QStringList{"Enter Array name|Array name|Old"});
     EXPECT_EQ(h.edit.assignments(), 0);
     EXPECT_EQ(h.settings.writes, 0);
 }

@@ -61,10 +61,8 @@ TEST(Formatting, FloatFontSizesTheSelectionOrTheWhole) {
         h.select(c.selStart, c.selLength);
         h.dialogs.answers.push_back(c.answer);
         h.run("mnuFloatFont");
-        ASSERT_EQ(h.dialogs.prompts.size(), 1u);
-        EXPECT_EQ(h.dialogs.prompts[0].prompt, "Largest font size?");
-        EXPECT_EQ(h.dialogs.prompts[0].title, "Float Font");
-        EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "40"); // never the selection
+        // The default is never the selection.
+        EXPECT_EQ(h.dialogs.shown(), QStringList{"Largest font size?|Float Font|40"});
         EXPECT_EQ(h.edit.assignments(), 0);
         EXPECT_EQ(h.edit.selStart(), c.selStart); // the selection stays
         EXPECT_EQ(h.edit.selLength(), c.selLength);

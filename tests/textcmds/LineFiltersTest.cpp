@@ -92,10 +92,8 @@ TEST(LineFilters, OfferADefaultRememberTheAnswerAndCancelQuietly) {
         SCOPED_TRACE(c.item);
         // Nothing remembered, nothing selected: the fallback. Cancel changes nothing.
         const auto fresh = runOn(c.item, text);
-        ASSERT_EQ(fresh->dialogs.prompts.size(), 1u);
-        EXPECT_EQ(fresh->dialogs.prompts[0].prompt, QString::fromUtf8(c.prompt));
-        EXPECT_EQ(fresh->dialogs.prompts[0].title, QString::fromUtf8(c.title));
-        EXPECT_EQ(fresh->dialogs.prompts[0].defaultAnswer, QString::fromUtf8(c.fallback));
+        EXPECT_EQ(fresh->dialogs.shown(),
+                  QStringList{QString::fromUtf8(c.prompt) + u'|' + c.title + u'|' + c.fallback});
         EXPECT_EQ(fresh->edit.assignments(), 0);
         EXPECT_EQ(fresh->settings.writes, 0);
 

@@ -35,10 +35,7 @@ TEST(AffixCommands, OfferTheTrimmedSelectionThenTheRememberedAnswer) {
     h.select(0, 7);
     h.dialogs.answers.push_back(" typed ");
     h.run("mnuAddPrefix");
-    ASSERT_EQ(h.dialogs.prompts.size(), 1u);
-    EXPECT_EQ(h.dialogs.prompts[0].prompt, "Enter text to add as Prefix.");
-    EXPECT_EQ(h.dialogs.prompts[0].title, "Enter text");
-    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "sel");
+    EXPECT_EQ(h.dialogs.shown(), QStringList{"Enter text to add as Prefix.|Enter text|sel"});
     EXPECT_EQ(h.setting("frmEdit", "Previous Prefix"), " typed "); // saved as typed
 
     Harness blank(QStringLiteral("   x"));

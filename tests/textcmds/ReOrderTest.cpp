@@ -64,41 +64,35 @@ TEST(ReOrder, AsksAndRemembers) {
     struct Case {
         const char* item;
         QStringList answers;
-        std::vector<const char*> prompts; // prompt, title, default for each prompt shown
-        const char* saved;                // the remembered start tag, or nothing remembered
+        QStringList prompts; // "prompt|title|default" for each prompt shown
+        const char* saved;   // the remembered start tag, or nothing remembered
     };
     const Case cases[] = {
         {"mnuGetHtmlTags",
          {" <td> "},
-         {"Enter the start tag.", "Get Html Tags", "<a>", "Enter the stop tag.", "Get Html Tags",
-          "</a>"},
+         {"Enter the start tag.|Get Html Tags|<a>", "Enter the stop tag.|Get Html Tags|</a>"},
          " <td> "},
         {"mnuSwitchRearToFront",
          {},
-         {"Switch front and rear of each line at what text?", "Enter text", "selected"},
+         {"Switch front and rear of each line at what text?|Enter text|selected"},
          nullptr},
         {"mnuReNumberArrayElements",
          {},
-         {"Enter the first index.", "Renumber Array elements", "0"},
+         {"Enter the first index.|Renumber Array elements|0"},
          nullptr},
         {"mnuTurnToStream",
          {},
-         {"Join the lines with what delimiter?", "Text Stream Delimiter", ","},
+         {"Join the lines with what delimiter?|Text Stream Delimiter|,"},
          nullptr},
         {"mnuDelimitRunningText",
          {},
-         {"Split the text at what delimiter?", "Text Stream Delimiter", ","},
+         {"Split the text at what delimiter?|Text Stream Delimiter|,"},
          nullptr},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.item);
         const auto h = runOn(c.item, "  selected  text", c.answers, 0, 10);
-        ASSERT_EQ(h->dialogs.prompts.size() * 3, c.prompts.size());
-        for (size_t i = 0; i < h->dialogs.prompts.size(); ++i) {
-            EXPECT_EQ(h->dialogs.prompts[i].prompt, u8(c.prompts[3 * i]));
-            EXPECT_EQ(h->dialogs.prompts[i].title, u8(c.prompts[3 * i + 1]));
-            EXPECT_EQ(h->dialogs.prompts[i].defaultAnswer, u8(c.prompts[3 * i + 2]));
-        }
+        EXPECT_EQ(h->dialogs.shown(), c.prompts);
         EXPECT_EQ(h->settings.writes, c.saved ? 1 : 0);
         if (c.saved) {
             EXPECT_EQ(h->setting("frmEdit", "GetHtmlTagsStart"), u8(c.saved));

@@ -140,13 +140,8 @@ TEST(HarvestCommands, AnyTagContentAsksForTagsAndCutsThePage) {
         EXPECT_EQ(b.h.edit.text(), "x" + c.inserted);
         EXPECT_EQ(b.h.setting("frmEdit", "GetHtmlTagsStart"), c.start);
         EXPECT_EQ(b.h.setting("frmEdit", "GetHtmlTagsStop"), c.stop);
-        ASSERT_GE(b.h.dialogs.prompts.size(), 1u);
-        EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Enter the start tag.");
-        EXPECT_EQ(b.h.dialogs.prompts[0].title, "Any Tag Content");
-        EXPECT_EQ(b.h.dialogs.prompts[0].defaultAnswer, "start");
-        if (b.h.dialogs.prompts.size() > 1) {
-            EXPECT_EQ(b.h.dialogs.prompts[1].prompt, "Enter the stop tag.");
-        }
+        EXPECT_EQ(b.h.dialogs.shown(), (QStringList{"Enter the start tag.|Any Tag Content|start",
+                                                    "Enter the stop tag.|Any Tag Content|stop"}));
     }
 }
 

@@ -150,10 +150,8 @@ TEST(SiteList, ChangeTimingTakesOnlyNumbers) {
         if (!c.answer.isEmpty())
             w.h.dialogs.answers = {c.answer};
         w.h.run("mnuChangeTiming");
-        ASSERT_EQ(w.h.dialogs.prompts.size(), 1u);
-        EXPECT_EQ(w.h.dialogs.prompts[0].prompt, "Enter new timing in millisceonds, 65000 max");
-        EXPECT_EQ(w.h.dialogs.prompts[0].title, "New Timing");
-        EXPECT_EQ(w.h.dialogs.prompts[0].defaultAnswer, "32235");
+        EXPECT_EQ(w.h.dialogs.shown(),
+                  QStringList{"Enter new timing in millisceonds, 65000 max|New Timing|32235"});
         EXPECT_EQ(w.timer->interval(), c.interval);
         EXPECT_EQ(w.h.log.errors.size(), c.logged ? 1u : 0u);
         if (c.logged) {
