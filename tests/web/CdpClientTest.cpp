@@ -162,17 +162,6 @@ TEST(CdpClient, FailuresEndTheCallWithAnErrorNamingIt) {
     }
 }
 
-TEST(CdpClient, AfterTheConnectionIsLostEveryCallFailsAtOnce) {
-    Fixture f;
-    bool lost = false;
-    QObject::connect(f.client.get(), &CdpClient::connectionLost, [&] { lost = true; });
-    f.transport->dropConnection(0);
-    waitUntil([&] { return lost; }, 1000);
-    ASSERT_TRUE(lost);
-    EXPECT_FALSE(f.client->isConnected());
-    EXPECT_THROW(f.client->call("Page.enable"), RuntimeError);
-}
-
 TEST(CdpClient, RefusedConnectionIsAnError) {
     auto t = std::make_unique<ScriptedTransport>();
     t->refuse = true;

@@ -29,26 +29,30 @@ struct Walk {
     QString selected() const { return h.edit.selText(); }
 };
 
-TEST(SiteList, TheLastPieceOfTheListIsNeverVisited) {
+TEST(SiteList, EachLineIsVisitedInTurnButNeverTheLastPiece) {
     const std::pair<QString, QStringList> cases[] = {
+        // the document, and the selection at each visit
         {"http://a.example/\r\nhttp://b.example/\r\nhttp://c.example/\r\n",
-         {"http://a.example/", "http://b.example/", "http://c.example/"}},
+         {"http://a.example/\r", "http://b.example/\r", "http://c.example/\r"}},
         {"http://a.example/\r\nhttp://b.example/\r\nhttp://c.example/",
-         {"http://a.example/", "http://b.example/"}},
+         {"http://a.example/\r", "http://b.example/\r"}},
+        {"http://only.example/", {"http://only.example/"}}, // nothing after it to take along
     };
-    for (const auto& [text, visits] : cases) {
+    for (const auto& [text, selections] : cases) {
         SCOPED_TRACE(text.toStdString());
         Walk w(text);
         w.h.run("mnuNavigateSiteList");
-        EXPECT_TRUE(w.timer->enabled());
         EXPECT_TRUE(w.enabled("mnuPause") && w.enabled("mnuChangeTiming") &&
                     w.enabled("mnuNextItem"));
-        EXPECT_EQ(w.selected(), visits[0] + "\r");
-        for (qsizetype i = 1; i < visits.size(); ++i) {
-            EXPECT_TRUE(w.timer->enabled());
+        QStringList selected{w.selected()}, visits;
+        for (int tick = 0; tick < 5 && w.timer->enabled(); ++tick) {
             w.timer->fire();
-            EXPECT_EQ(w.selected(), visits[i] + "\r");
+            if (w.visited().size() > selected.size())
+                selected << w.selected();
         }
+        for (const QString& s : selections)
+            visits << s.chopped(s.endsWith(u'\r') ? 1 : 0);
+        EXPECT_EQ(selected, selections);
         EXPECT_EQ(w.visited(), visits);
         EXPECT_EQ(w.state.mlSiteIndex, 0);
         EXPECT_FALSE(w.timer->enabled());
@@ -78,21 +82,6 @@ TEST(SiteList, EveryLineGoesToTheBrowserNeverToTheMailProgram) {
     EXPECT_EQ(w.visited(), (QStringList{"http://someone@example.com", "about:blank", "about:blank",
                                         "http://z.example"}));
     EXPECT_TRUE(w.h.launcher.opened.isEmpty());
-    EXPECT_TRUE(w.h.log.errors.empty());
-}
-
-TEST(SiteList, AOneLineDocumentEndsAtTheNextTick) {
-    Walk w("http://only.example/");
-    w.h.run("mnuNavigateSiteList");
-    EXPECT_EQ(w.visited(), QStringList{"http://only.example/"});
-    EXPECT_EQ(w.selected(), "http://only.example/"); // nothing after it to take along
-    EXPECT_EQ(w.state.mlSiteIndex, 1);
-    EXPECT_TRUE(w.enabled("mnuNextItem"));
-    w.timer->fire();
-    EXPECT_EQ(w.visited(), QStringList{"http://only.example/"});
-    EXPECT_EQ(w.state.mlSiteIndex, 0);
-    EXPECT_FALSE(w.timer->enabled());
-    EXPECT_FALSE(w.enabled("mnuNextItem"));
     EXPECT_TRUE(w.h.log.errors.empty());
 }
 
