@@ -1,3 +1,4 @@
+// Start-up names, the settings store and the error log.
 #include "app/StartUp.h"
 #include "app/ErrorLogger.h"
 #include "app/SettingsStore.h"
@@ -39,37 +40,6 @@ TEST(StartUp, BuildsAppNameCommandLineAndNames) {
     }
     qunsetenv("USERNAME");
     qputenv("USER", oldUser);
-}
-
-TEST(StartUp, RegNamesHaveTheirExactWidths) {
-    RegNamesRecord n;
-    fillRegNames(n);
-    const std::vector<std::pair<QString, QString>> fields = {
-        {n.AppPath, "AppPath"},
-        {n.ModuleName, "mStartUp"},
-        {n.InFilePath, "InFilePath"},
-        {n.OutFilePath, "OutFilePath"},
-        {n.RegKeyfrmEdit, "Reg Key frmEdit"},
-        {n.Ruler, "Ruler"},
-        {n.Font, "Font"},
-        {n.PrvValue, "PrvValue"},
-        {n.EmailSettings, "EmailSettings"},
-        {n.QuickDir, "QuickDir"},
-        {n.UserName, "UserName"},
-        {n.Password, "Password"},
-        {n.Attachment, "Attachment"},
-        {n.Subject, "Subject"},
-        {n.IncludeAttachment, "IncludeAttachment"},
-        {n.PreviousDir, "PreviousDir"},
-        {n.ViewDnDTB, "ViewDnDTB"}};
-    for (const auto& [value, expected] : fields)
-        EXPECT_EQ(value, expected);
-    // A fixed field pads short values and cuts long ones.
-    FixedText<5> f;
-    f = QStringLiteral("ab");
-    EXPECT_EQ(f.str(), "ab   ");
-    f = QStringLiteral("abcdefgh");
-    EXPECT_EQ(f.str(), "abcde");
 }
 
 TEST(SettingsStore, TwoFoldersUseTwoFiles) {
@@ -190,11 +160,8 @@ TEST_F(ErrorLoggerTest, UtilityErrorGivesTheSevenFieldRecord) {
     logger.logError("frmEdit", "Form_Load");
     EXPECT_TRUE(logText().startsWith(expected)); // appended, earlier content kept
     EXPECT_EQ(logText().count("\r\n"), 2);
-}
 
-TEST_F(ErrorLoggerTest, FolderGetsOneSeparator) {
-    bool complete = true;
-    ErrorLogger logger(clock_, launcher_, complete);
+    // The log folder's name takes one separator, with or without one at its end.
     qputenv("LOGFILES", (dir_.path() + "/").toLocal8Bit());
     EXPECT_EQ(ErrorLogger::logFilePath(), dir_.path() + "/ErrorLog.txt");
     qputenv("LOGFILES", "");

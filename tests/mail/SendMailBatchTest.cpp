@@ -70,46 +70,27 @@ TEST_F(SendMailBatch, DeliversOneMessagePerValidAddress) {
 
 TEST_F(SendMailBatch, ServerTroubleIsReportedPerAddress) {
     struct Case {
-        const char* name;
         int port;
-        QStringList fields;
+        QString fields; // separated by spaces
         const char* password;
-        int exitCode;
-        QString report; // the one report line starts with this
+        QString report; // the one report line starts with this; "sent" exits 0, else 1
     };
     const Case cases[] = {
-        {"right password",
-         server.authPort,
-         {"security=none", "user=user"},
-         "secret",
-         0,
-         "sent: a@example.com"},
-        {"wrong password",
-         server.authPort,
-         {"security=none", "user=user"},
-         "wrong",
-         1,
+        {server.authPort, "security=none user=user", "secret", "sent: a@example.com"},
+        {server.authPort, "security=none user=user", "wrong",
          "failed: a@example.com: 535 5.7.8 Authentication credentials invalid"},
-        {"STARTTLS not offered",
-         server.authPort,
-         {"security=starttls", "user=user"},
-         "secret",
-         1,
+        {server.authPort, "security=starttls user=user", "secret",
          "failed: a@example.com: the server does not offer STARTTLS"},
-        {"closed port", server.closedPort, {"security=none"}, "", 1, "failed: a@example.com: "},
-        {"silent server",
-         server.hangPort,
-         {"security=none", "timeout=1"},
-         "",
-         1,
+        {server.closedPort, "security=none", "", "failed: a@example.com: "},
+        {server.hangPort, "security=none timeout=1", "",
          "failed: a@example.com: the server stopped answering"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.report.toStdString());
         qputenv("EDITOR_SMTP_PASSWORD", c.password);
-        const EditorRun run =
-            runEditorBatch(mailArgs(c.port, QStringList{"to=a@example.com"} + c.fields), "text");
-        EXPECT_EQ(run.exitCode, c.exitCode);
+        const EditorRun run = runEditorBatch(
+            mailArgs(c.port, QStringList{"to=a@example.com"} + c.fields.split(u' ')), "text");
+        EXPECT_EQ(run.exitCode, c.report.startsWith("sent") ? 0 : 1);
         ASSERT_EQ(run.report.size(), 1) << run.report.join('\n').toStdString();
         EXPECT_TRUE(run.report[0].startsWith(c.report)) << run.report[0].toStdString();
     }
@@ -128,8 +109,6 @@ TEST_F(SendMailBatch, BadInputStopsBeforeAnythingIsSent) {
         const char* message;
     } cases[] = {
         {{"to=" + dir + "/empty.txt", "security=none"}, "There is no delivery address."},
-        {{"to=", "security=none"}, "There is no delivery address."},
-        {{"to=" + dir + "/missing.txt", "security=none"}, "does not exist"},
         {{"to=a@example.com", "security=none", "attachment=" + dir + "/missing.pdf"},
          "does not exist"},
         {{"to=a@example.com", "security=smoke"}, "security must be starttls, tls or none"},

@@ -3,6 +3,7 @@
 #include "editor/MenuTable.h"
 #include "web/WaitLoop.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QSettings>
@@ -12,6 +13,13 @@
 #include <vector>
 
 namespace ed::test {
+
+QStringList FakeDialogs::shown() const {
+    QStringList out;
+    for (const PromptEvent& p : prompts)
+        out << p.prompt + u'|' + p.title + u'|' + p.defaultAnswer;
+    return out;
+}
 
 QString FakeDialogs::inputBox(const QString& prompt, const QString& title,
                               const QString& defaultAnswer) {
@@ -79,6 +87,15 @@ void Harness::setSetting(const QString& section, const QString& key, const QStri
     settings.values.insert(startUp.RegKeyAppName + u'|' + section + u'|' + key, value);
 }
 
+std::unique_ptr<Harness> runOn(const QString& item, const QString& text, const QStringList& answers,
+                               int selStart, int selLength) {
+    auto h = std::make_unique<Harness>(text);
+    h->select(selStart, selLength);
+    h->dialogs.answers.assign(answers.begin(), answers.end());
+    h->run(item);
+    return h;
+}
+
 QString makeTempDir() {
     static std::vector<std::unique_ptr<QTemporaryDir>> dirs;
     dirs.push_back(std::make_unique<QTemporaryDir>());
@@ -102,6 +119,7 @@ EditorRun runEditorBatch(const QStringList& args, const QByteArray& document,
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("XDG_CONFIG_HOME", dir + "/config");
     env.insert("LOGFILES", dir + "/logs");
+    QDir().mkpath(dir + "/logs");
     auto run = [&](const QStringList& arguments) {
         QProcess p;
         p.setProcessEnvironment(env);
@@ -118,6 +136,7 @@ EditorRun runEditorBatch(const QStringList& args, const QByteArray& document,
         r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
         r.out = p.readAllStandardOutput();
         r.report = QString::fromUtf8(p.readAllStandardError()).split(u'\n', Qt::SkipEmptyParts);
+        r.logs = dir + "/logs";
         return r;
     };
     if (!settings.isEmpty()) {

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <memory>
 #include <ostream>
 
 // Readable QString values in test failures and messages.
@@ -40,6 +41,9 @@ public:
     std::vector<MessageEvent> messages;
     // The default button of each question asked through ask(), by its text.
     QMap<QString, Answer> defaults;
+
+    // Each prompt shown so far as "prompt|title|default answer".
+    QStringList shown() const;
 
     QString inputBox(const QString& prompt, const QString& title,
                      const QString& defaultAnswer) override;
@@ -173,6 +177,12 @@ struct Harness {
     }
 };
 
+// The harness after `item` ran on `text` with the selection set and `answers` queued for its
+// prompts (once they run out: Cancel).
+std::unique_ptr<Harness> runOn(const QString& item, const QString& text,
+                               const QStringList& answers = {}, int selStart = 0,
+                               int selLength = 0);
+
 // A folder removed at the end of the test.
 QString makeTempDir();
 
@@ -187,6 +197,7 @@ struct EditorRun {
     int exitCode = -1; // -1: did not start or finish in time, -2: crashed
     QByteArray out;
     QStringList report; // the lines on standard error
+    QString logs;       // the folder of its error log
 };
 EditorRun runEditorBatch(const QStringList& args, const QByteArray& document,
                          const QMap<QString, QString>& settings = {});

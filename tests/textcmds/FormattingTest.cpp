@@ -1,4 +1,4 @@
-// Float Font and Remove Formatting against a recording view, and without one.
+// Float Font and Remove Formatting against a recording view.
 #include "textcmds/Formatting.h"
 #include "support/Fakes.h"
 
@@ -29,113 +29,96 @@ public:
     void clearFormatting(const FontSpec& f) override { cleared.push_back(f); }
 };
 
-struct WaveCase {
-    double first, largest;
-    QList<double> wave;
-};
-
-class SizeWaveTest : public ::testing::TestWithParam<WaveCase> {};
-
-TEST_P(SizeWaveTest, RisesAndFalls) {
-    EXPECT_EQ(sizeWave(GetParam().first, GetParam().largest), GetParam().wave);
+TEST(Formatting, SizeWaveRisesAndFalls) {
+    const std::pair<std::pair<double, double>, QList<double>> cases[] = {
+        {{9, 12}, {9, 10, 11, 12, 11, 10}},
+        {{9, 9}, {9}},
+        {{12, 5}, {5}},
+        {{9.5, 12}, {9.5, 10.5, 11.5, 10.5}},
+    };
+    for (const auto& [range, wave] : cases)
+        EXPECT_EQ(sizeWave(range.first, range.second), wave) << range.first << " " << range.second;
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, SizeWaveTest,
-                         ::testing::Values(WaveCase{9, 12, {9, 10, 11, 12, 11, 10}},
-                                           WaveCase{9, 10, {9, 10}}, WaveCase{9, 9, {9}},
-                                           WaveCase{12, 5, {5}},
-                                           WaveCase{9.5, 12, {9.5, 10.5, 11.5, 10.5}}));
-
-struct FloatCase {
-    const char* answer;
-    int selStart, selLength;
-    bool applied; // else the message
-    int start, length;
-};
-
-class FloatFontTest : public ::testing::TestWithParam<FloatCase> {};
-
-TEST_P(FloatFontTest, SizesTheSelectionOrTheWhole) {
-    const FloatCase& c = GetParam();
-    Harness h(QString::fromUtf8("\xf0\x9f\x98\x80"
-                                "ab\r\ncd"));
-    RecordingView view;
-    view.font.size = 10;
-    h.ctx.view = &view;
-    h.select(c.selStart, c.selLength);
-    h.dialogs.answers.push_back(c.answer);
-    h.run("mnuFloatFont");
-    ASSERT_EQ(h.dialogs.prompts.size(), 1u);
-    EXPECT_EQ(h.dialogs.prompts[0].prompt, "Largest font size?");
-    EXPECT_EQ(h.dialogs.prompts[0].title, "Float Font");
-    EXPECT_EQ(h.dialogs.prompts[0].defaultAnswer, "40"); // never the selection
-    EXPECT_EQ(h.edit.assignments(), 0);
-    if (!c.applied) {
-        ASSERT_EQ(h.dialogs.messages.size(), 1u);
-        EXPECT_EQ(h.dialogs.messages[0].text,
-                  "The largest size must be a whole number from 1 to 1638.");
-        EXPECT_EQ(h.dialogs.messages[0].title, "Float Font");
-        EXPECT_EQ(h.dialogs.messages[0].icon, Icon::Exclamation);
-        EXPECT_EQ(h.settings.writes, 0);
-        EXPECT_TRUE(view.cycles.empty());
-        return;
+TEST(Formatting, FloatFontSizesTheSelectionOrTheWhole) {
+    struct Case {
+        const char* answer;
+        int selStart, selLength;
+        bool applied; // else the message
+        int start, length;
+    };
+    const Case cases[] = {
+        {"12", 0, 0, true, 0, 8},   {" 1638 ", 2, 3, true, 2, 3}, {"1", 0, 0, true, 0, 8},
+        {"0", 0, 0, false, 0, 0},   {"1639", 0, 0, false, 0, 0},  {"12.5", 0, 0, false, 0, 0},
+        {"big", 0, 0, false, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.answer);
+        Harness h(QStringLiteral("😀ab\r\ncd"));
+        RecordingView view;
+        view.font.size = 10;
+        h.ctx.view = &view;
+        h.select(c.selStart, c.selLength);
+        h.dialogs.answers.push_back(c.answer);
+        h.run("mnuFloatFont");
+        // The default is never the selection.
+        EXPECT_EQ(h.dialogs.shown(), QStringList{"Largest font size?|Float Font|40"});
+        EXPECT_EQ(h.edit.assignments(), 0);
+        EXPECT_EQ(h.edit.selStart(), c.selStart); // the selection stays
+        EXPECT_EQ(h.edit.selLength(), c.selLength);
+        if (!c.applied) {
+            ASSERT_EQ(h.dialogs.messages.size(), 1u);
+            EXPECT_EQ(h.dialogs.messages[0].text,
+                      "The largest size must be a whole number from 1 to 1638.");
+            EXPECT_EQ(h.dialogs.messages[0].icon, Icon::Exclamation);
+            EXPECT_EQ(h.settings.writes, 0);
+            EXPECT_TRUE(view.cycles.empty());
+            continue;
+        }
+        EXPECT_EQ(h.setting("frmEdit", "Max Size Font float"), c.answer);
+        ASSERT_EQ(view.cycles.size(), 1u);
+        EXPECT_EQ(view.cycles[0].start, c.start);
+        EXPECT_EQ(view.cycles[0].length, c.length);
+        EXPECT_EQ(view.cycles[0].sizes, sizeWave(10, QString(c.answer).trimmed().toDouble()));
     }
-    EXPECT_EQ(h.setting("frmEdit", "Max Size Font float"), c.answer);
-    ASSERT_EQ(view.cycles.size(), 1u);
-    EXPECT_EQ(view.cycles[0].start, c.start);
-    EXPECT_EQ(view.cycles[0].length, c.length);
-    EXPECT_EQ(view.cycles[0].sizes, sizeWave(10, QString(c.answer).trimmed().toDouble()));
-    EXPECT_EQ(h.edit.selStart(), c.selStart); // the selection stays
-    EXPECT_EQ(h.edit.selLength(), c.selLength);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, FloatFontTest,
-    ::testing::Values(FloatCase{"12", 0, 0, true, 0, 8}, FloatCase{" 1638 ", 2, 3, true, 2, 3},
-                      FloatCase{"1", 0, 0, true, 0, 8}, FloatCase{"0", 0, 0, false, 0, 0},
-                      FloatCase{"1639", 0, 0, false, 0, 0}, FloatCase{"12.5", 0, 0, false, 0, 0},
-                      FloatCase{"big", 0, 0, false, 0, 0}));
-
-struct FontCase {
-    const char* saved; // nullptr: none saved
-    bool cleared;
-    FontSpec font;
-};
-
-class RemoveFormattingTest : public ::testing::TestWithParam<FontCase> {};
-
-TEST_P(RemoveFormattingTest, BackToTheSavedFont) {
-    const FontCase& c = GetParam();
-    Harness h("some text");
-    RecordingView view;
-    h.ctx.view = &view;
-    if (c.saved)
-        h.setSetting("frmEdit", "Font", c.saved);
-    h.select(2, 3);
-    h.run("mnuRemoveFormatting");
-    EXPECT_EQ(h.edit.text(), "some text");
-    EXPECT_EQ(h.edit.assignments(), 0);
-    if (!c.cleared) {
-        EXPECT_TRUE(view.cleared.empty());
-        EXPECT_EQ(h.log.errors.size(), 1u);
-        return;
+TEST(Formatting, RemoveFormattingGoesBackToTheSavedFont) {
+    struct Case {
+        const char* saved;            // nullptr: none saved
+        std::optional<FontSpec> font; // nothing: the setting is unreadable and logged
+    };
+    const Case cases[] = {
+        {nullptr, FontSpec{"Arial", 9, false, false}},
+        {"Courier New,12.5,True,False", FontSpec{"Courier New", 12.5, true, false}},
+        {" ,10,False,True", FontSpec{"Arial", 10, false, true}},
+        {"Arial,9", std::nullopt},
+        {"Arial,big,False,False", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.saved ? c.saved : "none");
+        Harness h("some text");
+        RecordingView view;
+        h.ctx.view = &view;
+        if (c.saved)
+            h.setSetting("frmEdit", "Font", c.saved);
+        h.select(2, 3);
+        h.run("mnuRemoveFormatting");
+        EXPECT_EQ(h.edit.text(), "some text");
+        EXPECT_EQ(h.edit.assignments(), 0);
+        if (!c.font) {
+            EXPECT_TRUE(view.cleared.empty());
+            EXPECT_EQ(h.log.errors.size(), 1u);
+            continue;
+        }
+        ASSERT_EQ(view.cleared.size(), 1u);
+        EXPECT_EQ(view.cleared[0].name, c.font->name);
+        EXPECT_EQ(view.cleared[0].size, c.font->size);
+        EXPECT_EQ(view.cleared[0].bold, c.font->bold);
+        EXPECT_EQ(view.cleared[0].italic, c.font->italic);
+        EXPECT_EQ(h.edit.selStart(), 0);
+        EXPECT_EQ(h.edit.selLength(), 0);
     }
-    ASSERT_EQ(view.cleared.size(), 1u);
-    EXPECT_EQ(view.cleared[0].name, c.font.name);
-    EXPECT_EQ(view.cleared[0].size, c.font.size);
-    EXPECT_EQ(view.cleared[0].bold, c.font.bold);
-    EXPECT_EQ(view.cleared[0].italic, c.font.italic);
-    EXPECT_EQ(h.edit.selStart(), 0);
-    EXPECT_EQ(h.edit.selLength(), 0);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RemoveFormattingTest,
-    ::testing::Values(FontCase{nullptr, true, {"Arial", 9, false, false}},
-                      FontCase{
-                          "Courier New,12.5,True,False", true, {"Courier New", 12.5, true, false}},
-                      FontCase{" ,10,False,True", true, {"Arial", 10, false, true}},
-                      FontCase{"Arial,9", false, {}},
-                      FontCase{"Arial,big,False,False", false, {}}));
 
 } // namespace

@@ -1,3 +1,5 @@
+// The space and blank-line commands, and their one-pass forms against the step-by-step
+// replacements on random texts.
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -9,53 +11,36 @@ using namespace ed::test;
 
 namespace {
 
-struct WsCase {
-    const char* item;
-    const char* text;
-    int selStart, selLength;
-    const char* expected;
-};
-
-class WhitespaceTest : public ::testing::TestWithParam<WsCase> {};
-
-TEST_P(WhitespaceTest, Tidies) {
-    const WsCase& c = GetParam();
-    Harness h(QString::fromUtf8(c.text));
-    h.select(c.selStart, c.selLength);
-    h.run(QString::fromLatin1(c.item));
-    EXPECT_EQ(h.edit.text(), QString::fromUtf8(c.expected));
-    EXPECT_TRUE(h.log.errors.empty());
-    EXPECT_TRUE(h.dialogs.prompts.empty());
-    if (c.selLength > 0) { // the caret goes back to where the selection started
-        EXPECT_EQ(h.edit.selStart(), c.selStart);
-        EXPECT_EQ(h.edit.selLength(), 0);
+TEST(WhitespaceCommands, Tidy) {
+    struct Case {
+        const char* item;
+        const char* text;
+        int selStart, selLength;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"mnuRemoveAllSpaces", "x a b y", 2, 3, "x ab y"},
+        {"mnuTrimLeadingAndTrailingSpaces", "  a  \r\n\tb ", 0, 0, "a\r\n\tb\r\n"},
+        {"mnuTrimLeadingAndTrailingSpaces", "", 0, 0, "\r\n"},
+        {"mnuReplaceDoubleBlankLineWithSingle", "a\r\n\r\n  \r\nb\r\n\r\nc", 0, 0,
+         "a\r\n\r\nb\r\n\r\nc\r\n"},
+        {"mnuTrimSpaces", "a\r\n  \r\n\t\r\n\r\n b", 0, 0, "a\r\n\t\r\n b\r\n"},
+        {"mnuRemoveCRLF", "a^b", 0, 0, "a\r\n\r\nb"},
+        {"mnuRemoveCRLF", "a\nb\r\rc", 0, 0, "a\nb\r\rc"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.item) + " on " + c.text);
+        const auto h = runOn(c.item, QString::fromUtf8(c.text), {}, c.selStart, c.selLength);
+        EXPECT_EQ(h->edit.text(), QString::fromUtf8(c.expected));
+        EXPECT_TRUE(h->log.errors.empty() && h->dialogs.prompts.empty());
+        if (c.selLength > 0) { // the caret goes back to where the selection started
+            EXPECT_EQ(h->edit.selStart(), c.selStart);
+            EXPECT_EQ(h->edit.selLength(), 0);
+        }
     }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, WhitespaceTest,
-    ::testing::Values(
-        WsCase{"mnuRemoveAllSpaces", "x a b y", 2, 3, "x ab y"},
-        WsCase{"mnuRemoveAllSpaces", " a\tb  c \r\n", 0, 0, "a\tbc\r\n"},
-        WsCase{"mnuTrimLeadingAndTrailingSpaces", "  a  \r\n\tb ", 0, 0, "a\r\n\tb\r\n"},
-        WsCase{"mnuTrimLeadingAndTrailingSpaces", "", 0, 0, "\r\n"},
-        WsCase{"mnuCnvDblSpcToSingle", "a     b", 0, 0, "a b"},
-        WsCase{"mnuReplaceDoubleBlankLineWithSingle", "a\r\n\r\n  \r\nb\r\n\r\nc", 0, 0,
-               "a\r\n\r\nb\r\n\r\nc\r\n"},
-        WsCase{"mnuTrimSpaces", "a\r\n  \r\n\t\r\n\r\n b", 0, 0, "a\r\n\t\r\n b\r\n"},
-        WsCase{"mnuRemoveCRLF", "one\r\ntwo\r\n\r\nthree", 0, 0, "one two\r\n\r\nthree"},
-        WsCase{"mnuRemoveCRLF", "a^b", 0, 0, "a\r\n\r\nb"},
-        WsCase{"mnuRemoveCRLF", "a\r\n\r\n\r\nb", 0, 0, "a\r\n\r\n b"},
-        WsCase{"mnuRemoveCRLF", "a\nb\r\rc", 0, 0, "a\nb\r\rc"}));
-
-TEST(InsertBlankLines, Puts301BreaksInFront) {
-    for (const char* text : {"", "x\r\ny"}) {
-        Harness h(QString::fromUtf8(text));
-        h.select(1, 0);
-        h.run("mnuInsertBlankLines");
-        EXPECT_EQ(h.edit.text(), QStringLiteral("\r\n").repeated(301) + QString::fromUtf8(text));
-        EXPECT_EQ(h.edit.assignments(), 1);
-    }
+    for (const char* text : {"", "x\r\ny"}) // 301 line breaks go in front
+        EXPECT_EQ(runOn("mnuInsertBlankLines", text, {}, 1)->edit.text(),
+                  QStringLiteral("\r\n").repeated(301) + text);
 }
 
 // The one-pass forms against the literal step-by-step replacements, on random texts made of the
@@ -108,13 +93,6 @@ TEST(OnePassForms, MatchTheStepByStepReplacements) {
         EXPECT_EQ(run("mnuTrimSpaces", s), linesStepByStep(s, true));
         EXPECT_EQ(run("mnuReplaceDoubleBlankLineWithSingle", s), linesStepByStep(s, false));
     }
-}
-
-TEST(RemoveCRLF, ClearsThenAssigns) {
-    Harness h(QStringLiteral("a\r\nb"));
-    h.run("mnuRemoveCRLF");
-    EXPECT_EQ(h.edit.text(), "a b");
-    EXPECT_EQ(h.edit.assignments(), 2);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+// The file and name helpers the window uses, and the text codec of the window's files.
 #include "support/Fakes.h"
 #include "util/TextCodec.h"
 #include "util/Utility.h"
@@ -54,84 +55,31 @@ TEST(CountChar, CountsOverlappingOccurrences) {
         EXPECT_EQ(u.CountChar(c.text, c.find, c.cs), c.expected) << c.text << " / " << c.find;
 }
 
-class FileHelpers : public ::testing::Test {
-protected:
-    QString path(const QString& name) const { return dir_.path() + "/" + name; }
-    void write(const QString& name, const QByteArray& bytes) {
-        QFile f(path(name));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    QByteArray read(const QString& name) {
-        QFile f(path(name));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
-    QTemporaryDir dir_;
-    RecordingLogger log_;
-    Utility u_{log_};
-};
+TEST(FileHelpers, LoadFreeFileAndTheirErrors) {
+    const QString dir = makeTempDir();
+    writeFile(dir + "/a.txt", "abc\n");
+    writeFile(dir + "/.hidden", "secret");
+    writeFile(dir + "/Text-0.Txt", "");
+    writeFile(dir + "/Text-1.Txt", "");
+    QDir().mkpath(dir + "/folder");
+    RecordingLogger log;
+    Utility u(log);
+    EXPECT_EQ(u.LoadTextFile(dir + "/a.txt"), "abc\r\n");
+    // Missing and hidden files and folders are quietly absent.
+    for (const char* name : {"/nope.txt", "/.hidden", "/folder"})
+        EXPECT_EQ(u.LoadTextFile(dir + name), "") << name;
+    EXPECT_EQ(u.GetFreeFile(dir + "/Text-0.Txt"), dir + "/Text-2.Txt");
+    EXPECT_EQ(u.GetFreeFile(dir + "/a.txt"), dir + "/a1.txt");
+    EXPECT_EQ(u.GetFreeFile(dir + "/b.txt"), dir + "/b.txt");
+    EXPECT_TRUE(log.errors.empty());
 
-TEST_F(FileHelpers, WriteThenLoad) {
-    u_.WriteTextToFile(path("a.txt"), "abc", false);
-    EXPECT_EQ(u_.LoadTextFile(path("a.txt")), "abc\r\n");
-    u_.WriteTextToFile(path("b.txt"), "one", true);
-    u_.WriteTextToFile(path("b.txt"), "two", true);
-    EXPECT_EQ(u_.LoadTextFile(path("b.txt")), "one\r\ntwo\r\n");
-    // An existing CR LF file is appended to in its own style.
-    write("c.txt", "x\r\n");
-    u_.WriteTextToFile(path("c.txt"), "y", true);
-    EXPECT_EQ(read("c.txt"), "x\r\ny\r\n");
-    EXPECT_TRUE(log_.errors.empty());
-}
-
-TEST_F(FileHelpers, MissingHiddenAndFoldersAreQuietlyAbsent) {
-    write("empty.txt", "");
-    write(".hidden", "secret");
-    QDir().mkpath(path("folder"));
-    struct Case {
-        QString name;
-        bool exists;
-    };
-    for (const Case& c : std::vector<Case>{{path("empty.txt"), true},
-                                           {path("nope.txt"), false},
-                                           {path(".hidden"), false},
-                                           {path("folder"), false}})
-        EXPECT_EQ(u_.TestForText(c.name), c.exists) << c.name;
-    EXPECT_EQ(u_.LoadTextFile(path("empty.txt")), "");
-    EXPECT_EQ(u_.LoadTextFile(path("nope.txt")), "");
-    EXPECT_TRUE(log_.errors.empty());
-}
-
-TEST_F(FileHelpers, BadNamesAreLogged) {
-    EXPECT_EQ(u_.LoadTextFile(""), "");
-    ASSERT_EQ(log_.errors.size(), 1u);
-    EXPECT_EQ(log_.errors[0].location, "Function TestForText");
-    EXPECT_EQ(log_.errors[0].module, "cUtility");
-
-    write("wild1.txt", "x");
-    EXPECT_FALSE(u_.TestForText(path("wild*.txt"))); // matches a file, then fails to open
-    EXPECT_EQ(log_.errors.size(), 2u);
-
-    u_.WriteTextToFile(path("no/such/dir/x.txt"), "abc", false);
-    ASSERT_EQ(log_.errors.size(), 3u);
-    EXPECT_EQ(log_.errors[2].location, "Sub WriteTextToFile");
-    u_.WriteTextToFile(path("folder-as-file"), "abc", false);
-    QDir().mkpath(path("d"));
-    u_.WriteTextToFile(path("d"), "abc", false);
-    EXPECT_EQ(log_.errors.size(), 4u);
-    EXPECT_TRUE(QDir(path("d")).exists());
-}
-
-TEST_F(FileHelpers, FreeFileCountsUp) {
-    EXPECT_EQ(u_.GetFreeFile(path("Text-0.Txt")), path("Text-0.Txt"));
-    write("Text-0.Txt", "");
-    write("Text-1.Txt", "");
-    EXPECT_EQ(u_.GetFreeFile(path("Text-0.Txt")), path("Text-2.Txt"));
-    write("notes.txt", "");
-    EXPECT_EQ(u_.GetFreeFile(path("notes.txt")), path("notes1.txt"));
-    EXPECT_TRUE(log_.errors.empty());
-    EXPECT_EQ(u_.GetFreeFile(path("")), ""); // a folder, no file name
-    EXPECT_EQ(log_.errors.size(), 1u);
+    EXPECT_EQ(u.LoadTextFile(""), "");
+    EXPECT_FALSE(u.TestForText(dir + "/a*.txt")); // matches a file, then fails to open
+    EXPECT_EQ(u.GetFreeFile(dir + "/"), "");      // a folder, no file name
+    ASSERT_EQ(log.errors.size(), 3u);
+    EXPECT_EQ(log.errors[0].module, "cUtility");
+    EXPECT_EQ(log.errors[0].location, "Function TestForText");
+    EXPECT_EQ(log.errors[2].location, "Function GetFreeFile");
 }
 
 TEST(FileSpecParts, SplitsFolderNameAndExtension) {
@@ -193,6 +141,28 @@ TEST(TextCodec, ModelAlwaysHasCrLfBreaks) {
     // Text typed into a Latin-1 document that Latin-1 cannot hold is not lost.
     EXPECT_EQ(encodeText(QString::fromUtf8("€"), {Encoding::Latin1, LineBreak::Lf}),
               QByteArray("\xE2\x82\xAC"));
+}
+
+// Large documents are decoded and encoded through preallocated buffers: the bytes must be what
+// the plain conversions give.
+TEST(TextCodec, LargeDocumentsConvertLikeThePlainFunctions) {
+    const QString unit = QString::fromUtf8("caf\xC3\xA9 \xF0\x9F\x98\x80 line\r\n");
+    const QString model = unit.repeated((6 << 20) / unit.size() + 1);
+    for (Encoding e : {Encoding::Utf8, Encoding::Utf8Bom}) {
+        for (LineBreak lb : {LineBreak::CrLf, LineBreak::Lf}) {
+            const TextFormat f{e, lb};
+            const QByteArray bytes = encodeText(model, f);
+            ASSERT_EQ(bytes, (e == Encoding::Utf8Bom ? QByteArray("\xEF\xBB\xBF") : QByteArray()) +
+                                 fromModelBreaks(model, lb).toUtf8());
+            TextFormat back;
+            ASSERT_EQ(decodeText(bytes, &back), model);
+            EXPECT_EQ(back.encoding, e);
+            EXPECT_EQ(back.lineBreak, lb);
+        }
+    }
+    // Lone surrogates are written as Qt writes them.
+    const QString lone = QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b") + QChar(0xDC00);
+    EXPECT_EQ(encodeText(lone, {Encoding::Utf8, LineBreak::Lf}), lone.toUtf8());
 }
 
 } // namespace

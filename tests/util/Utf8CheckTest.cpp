@@ -88,14 +88,16 @@ TEST(Utf8Check, FindsTheLineBreakTheDecoderFinds) {
         decodeToModel(c.bytes, &f);
         EXPECT_EQ(f.lineBreak, c.expected) << c.bytes.left(20).constData();
     }
-    // A lone LF anywhere in a block, with CR LF all around.
+    // A lone LF anywhere in a block, with CR LF all around, for both decoders.
     for (int at = 0; at < 40; ++at) {
         QByteArray bytes;
         for (int i = 0; i < 40; ++i)
             bytes += i == at ? "\n" : (i % 3 == 0 ? "\r\n" : "x");
-        TextFormat f;
+        TextFormat f, textFormat;
         decodeToModel(bytes, &f);
         EXPECT_EQ(f.lineBreak, LineBreak::Lf) << at;
+        EXPECT_EQ(encodeText(decodeText(bytes, &textFormat), textFormat), bytes) << at;
+        EXPECT_EQ(textFormat.lineBreak, LineBreak::Lf) << at;
     }
 }
 

@@ -15,12 +15,7 @@ using namespace ed::test;
 
 namespace {
 
-struct Browser {
-    explicit Browser(const QString& text = QString()) : h(text) { h.ctx.browser = &port; }
-    Harness h;
-    FakeBrowserPort port{h.log, h.clipboard, h.launcher};
-    FakeBrowserWindow& window() { return *port.connector->window; }
-};
+using Browser = BrowserHarness;
 
 TEST(BrowserCommands, LinksConditionallyKeepOnlyMatchingLinksIgnoringCase) {
     const std::pair<QString, QString> cases[] = {
@@ -28,6 +23,7 @@ TEST(BrowserCommands, LinksConditionallyKeepOnlyMatchingLinksIgnoringCase) {
         {"pdf", "http://files.example/A.PDF\r\n"},
         {"FILES.example", "http://files.example/A.PDF\r\nhttp://files.example/a.htm\r\n"},
         {"nowhere", ""},
+        {"", ""}, // cancelled: the condition stays
     };
     for (const auto& [answer, inserted] : cases) {
         SCOPED_TRACE(answer.toStdString());
@@ -36,27 +32,17 @@ TEST(BrowserCommands, LinksConditionallyKeepOnlyMatchingLinksIgnoringCase) {
                                 "http://files.example/A.PDF", "http://files.example/a.htm"};
         b.h.setSetting("frmEdit", "Condition", "before");
         b.h.select(4, 0);
-        b.h.dialogs.answers = {answer};
+        if (!answer.isEmpty())
+            b.h.dialogs.answers = {answer};
         b.h.run("mnuGetBrowserLinksConditional");
-        ASSERT_EQ(b.h.dialogs.prompts.size(), 1u);
-        EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Enter text link must contain.");
-        EXPECT_EQ(b.h.dialogs.prompts[0].title, "Enter rext");
-        EXPECT_EQ(b.h.dialogs.prompts[0].defaultAnswer, "before");
-        EXPECT_EQ(b.h.setting("frmEdit", "Condition"), answer);
+        EXPECT_EQ(b.h.dialogs.shown(),
+                  QStringList{"Enter text link must contain.|Enter rext|before"});
+        EXPECT_EQ(b.h.setting("frmEdit", "Condition"), answer.isEmpty() ? "before" : answer);
         EXPECT_EQ(b.h.edit.text(), "doc:" + inserted);
-        EXPECT_EQ(b.h.form.UndoText, "doc:");
+        if (!answer.isEmpty()) {
+            EXPECT_EQ(b.h.form.UndoText, "doc:");
+        }
     }
-}
-
-TEST(BrowserCommands, CancelledConditionLeavesSettingAndDocument) {
-    Browser b("keep me");
-    b.window().top.links = {"http://one.example/x"};
-    b.h.setSetting("frmEdit", "Condition", "pdf");
-    b.h.run("mnuGetBrowserLinksConditional"); // no answer queued: Cancel
-    EXPECT_EQ(b.h.setting("frmEdit", "Condition"), "pdf");
-    EXPECT_EQ(b.h.edit.text(), "keep me");
-    EXPECT_EQ(b.h.edit.assignments(), 0);
-    EXPECT_EQ(b.port.sessionsCreated, 0);
 }
 
 TEST(BrowserCommands, HtmlAndTextOfTheTopDocumentAreInsertedAtTheCaret) {
@@ -76,19 +62,30 @@ TEST(BrowserCommands, HtmlAndTextOfTheTopDocumentAreInsertedAtTheCaret) {
     }
 }
 
-TEST(BrowserCommands, WithoutABrowserNothingIsLoadedAndTheUserIsTold) {
+// Every command that reads the browser attaches the same way: without a browser nothing is
+// loaded and the status bar says why; a browser that fails midway is logged.
+TEST(BrowserCommands, WithoutABrowserOrWhenItFailsNothingIsLoaded) {
     for (const QString item :
-         {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks", "mnuNavigateToSel"}) {
+         {"mnuGetBrowserHtml", "mnuGetBrowserText", "mnuGetBrowserLinks", "mnuGetBrowserEmail",
+          "mnuGetPhoneNumbers", "mnuGetFaxNumbers", "mnuNavigateToSel"}) {
         SCOPED_TRACE(item.toStdString());
-        Browser b("abc");
-        b.port.connector->browserOpen = false;
-        b.h.clipboard.setText("example.org");
-        b.h.run(item);
         // An empty text goes in at the caret, followed by InsertText's line break.
-        EXPECT_EQ(b.h.edit.text(), item == "mnuNavigateToSel" ? "abc" : "\r\nabc");
-        EXPECT_EQ(b.h.window.statuses, QStringList{noBrowserMessage(b.port)});
-        EXPECT_TRUE(b.window().navigations.isEmpty());
-        EXPECT_TRUE(b.h.log.errors.empty());
+        const QString unchanged = item == "mnuNavigateToSel" ? "abc" : "\r\nabc";
+        Browser none("abc");
+        none.port.connector->browserOpen = false;
+        none.h.clipboard.setText("example.org");
+        none.h.run(item);
+        EXPECT_EQ(none.h.edit.text(), unchanged);
+        EXPECT_EQ(none.h.window.statuses, QStringList{noBrowserMessage(none.port)});
+        EXPECT_TRUE(none.window().navigations.isEmpty());
+        EXPECT_TRUE(none.h.log.errors.empty());
+
+        Browser failing("abc");
+        failing.window().failEverything = true;
+        failing.h.run(item);
+        EXPECT_EQ(failing.h.edit.text(), unchanged);
+        ASSERT_EQ(failing.h.log.errors.size(), 1u);
+        EXPECT_EQ(failing.h.log.errors[0].module, "cIEObject");
     }
     Harness h("abc"); // no browser port at all
     h.run("mnuGetBrowserHtml");
@@ -96,16 +93,6 @@ TEST(BrowserCommands, WithoutABrowserNothingIsLoadedAndTheUserIsTold) {
     ASSERT_EQ(h.window.statuses.size(), 1u);
     EXPECT_TRUE(h.window.statuses[0].startsWith("no browser found"));
     EXPECT_TRUE(h.log.errors.empty());
-}
-
-TEST(BrowserCommands, ABrowserFailingMidwayIsLoggedAndInsertsNothingOfIt) {
-    Browser b("abc");
-    b.window().failEverything = true;
-    b.h.run("mnuGetBrowserLinks");
-    EXPECT_EQ(b.h.edit.text(), "\r\nabc");
-    ASSERT_EQ(b.h.log.errors.size(), 1u);
-    EXPECT_EQ(b.h.log.errors[0].module, "cIEObject");
-    EXPECT_EQ(b.h.log.errors[0].location, "Function GetLinksOnWebPage");
 }
 
 TEST(BrowserCommands, NavigateToSelSendsTheBrowserToItsSelection) {

@@ -145,8 +145,6 @@ TEST(CdpClient, FailuresEndTheCallWithAnErrorNamingIt) {
         {"connection drops mid-call", [](ScriptedTransport& t, int) { t.dropConnection(20); },
          "closed the connection during Page.navigate", 1000},
         {"reply never comes", [](ScriptedTransport&, int) {}, "did not answer Page.navigate", 1500},
-        {"only garbage comes", [](ScriptedTransport& t, int) { t.deliver("{\"id\":\"seven\"}"); },
-         "did not answer Page.navigate", 1500},
     };
     for (const Case& c : cases) {
         Fixture f(300);
@@ -162,17 +160,6 @@ TEST(CdpClient, FailuresEndTheCallWithAnErrorNamingIt) {
         }
         EXPECT_LT(clock.elapsed(), c.maxMs) << c.name;
     }
-}
-
-TEST(CdpClient, AfterTheConnectionIsLostEveryCallFailsAtOnce) {
-    Fixture f;
-    bool lost = false;
-    QObject::connect(f.client.get(), &CdpClient::connectionLost, [&] { lost = true; });
-    f.transport->dropConnection(0);
-    waitUntil([&] { return lost; }, 1000);
-    ASSERT_TRUE(lost);
-    EXPECT_FALSE(f.client->isConnected());
-    EXPECT_THROW(f.client->call("Page.enable"), RuntimeError);
 }
 
 TEST(CdpClient, RefusedConnectionIsAnError) {

@@ -1,13 +1,13 @@
 // The endpoint: only loopback addresses, and the HTTP side of a DevTools browser.
 
 #include "web/Discovery.h"
+#include "ChromiumProcess.h"
 #include "TestHttpServer.h"
 #include "web/Endpoint.h"
 
 #include "app/Trap.h"
 
 #include <QElapsedTimer>
-#include <QTcpServer>
 
 #include <gtest/gtest.h>
 
@@ -26,19 +26,14 @@ TEST(Endpoint, AcceptsOnlyLoopbackHostAndPort) {
     } cases[] = {
         {"127.0.0.1:9222", true, "127.0.0.1", 9222, ""},
         {" localhost:9333 ", true, "localhost", 9333, ""},
-        {"127.8.9.10:1", true, "127.8.9.10", 1, ""},
         {"[::1]:9222", true, "::1", 9222, ""},
-        {"LOCALHOST:65535", true, "LOCALHOST", 65535, ""},
         {"10.0.0.5:9222", false, "", 0, "refused"},
-        {"192.168.1.2:9222", false, "", 0, "refused"},
         {"example.com:9222", false, "", 0, "refused"},
         {"[::2]:9222", false, "", 0, "refused"},
         {"[::ffff:10.0.0.1]:9222", false, "", 0, "refused"},
         {"127.0.0.1", false, "", 0, "host:port"},
         {"127.0.0.1:0", false, "", 0, "port"},
-        {"127.0.0.1:70000", false, "", 0, "port"},
         {"127.0.0.1:abc", false, "", 0, "port"},
-        {"", false, "", 0, "host:port"},
         {"::1:9222", false, "", 0, "host:port"},
     };
     for (const Case& c : cases) {
@@ -59,15 +54,9 @@ TEST(Endpoint, AcceptsOnlyLoopbackHostAndPort) {
 }
 
 TEST(Discovery, NothingListeningMeansNoBrowser) {
-    quint16 port = 0;
-    {
-        QTcpServer probe;
-        ASSERT_TRUE(probe.listen(QHostAddress::LocalHost, 0));
-        port = probe.serverPort();
-    }
-    const auto pages = listPages({QStringLiteral("127.0.0.1"), port}, 2000);
-    EXPECT_FALSE(pages.has_value());
-    EXPECT_FALSE(endpointAnswers({QStringLiteral("127.0.0.1"), port}, 2000));
+    const Endpoint nobody{QStringLiteral("127.0.0.1"), test::freeLoopbackPort()};
+    EXPECT_FALSE(listPages(nobody, 2000).has_value());
+    EXPECT_FALSE(endpointAnswers(nobody, 2000));
 }
 
 TEST(Discovery, TakesPageTargetsInTheEndpointsOrder) {

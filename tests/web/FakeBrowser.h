@@ -5,6 +5,8 @@
 #include "web/BrowserPage.h"
 #include "web/BrowserPort.h"
 
+#include "support/Fakes.h"
+
 #include <QStringList>
 
 #include <memory>
@@ -115,6 +117,18 @@ private:
     Logger& log_;
     Clipboard& clipboard_;
     Launcher& launcher_;
+};
+
+// A command harness whose browser port is a FakeBrowserPort (and whose file dialogs are scripted).
+struct BrowserHarness {
+    explicit BrowserHarness(const QString& text = QString()) : h(text) {
+        h.ctx.browser = &port;
+        h.ctx.fileDialogs = &files;
+    }
+    Harness h;
+    FakeBrowserPort port{h.log, h.clipboard, h.launcher};
+    FakeFileDialogs files;
+    FakeBrowserWindow& window() { return *port.connector->window; }
 };
 
 } // namespace ed::test

@@ -1,6 +1,6 @@
 // Harvesting a page: e-mail addresses cut out of running text and mailto: links, phone and fax
 // numbers, and the Email, Phone #s, Fax #s and Any Tag Content commands over a scripted browser
-// (frames, repeats, an unreadable frame, no browser, prompts and their remembered answers).
+// (frames, repeats, an unreadable frame, prompts and their remembered answers).
 
 #include "FakeBrowser.h"
 #include "support/Fakes.h"
@@ -88,12 +88,7 @@ TEST(PhoneNumberLines, FaxLabelsCountOnTheirOwnLineOnly) {
     }
 }
 
-struct Browser {
-    explicit Browser(const QString& text = QString()) : h(text) { h.ctx.browser = &port; }
-    Harness h;
-    FakeBrowserPort port{h.log, h.clipboard, h.launcher};
-    FakeBrowserWindow& window() { return *port.connector->window; }
-};
+using Browser = BrowserHarness;
 
 TEST(HarvestCommands, AddressesAndNumbersComeFromThePageAndItsFrames) {
     struct Case {
@@ -122,29 +117,6 @@ TEST(HarvestCommands, AddressesAndNumbersComeFromThePageAndItsFrames) {
     }
 }
 
-TEST(HarvestCommands, NoBrowserOrNoMatchInsertsNothing) {
-    for (const char* item : {"mnuGetBrowserEmail", "mnuGetPhoneNumbers", "mnuGetFaxNumbers"}) {
-        SCOPED_TRACE(item);
-        Browser none("abc");
-        none.port.connector->browserOpen = false;
-        none.h.run(item);
-        EXPECT_EQ(none.h.edit.text(), "\r\nabc");
-        EXPECT_EQ(none.h.window.statuses, QStringList{noBrowserMessage(none.port)});
-
-        Browser empty("abc");
-        empty.window().top = {"<p>nothing</p>", "nothing here at all", {"http://example.com/"}};
-        empty.h.run(item);
-        EXPECT_EQ(empty.h.edit.text(), "\r\nabc");
-        EXPECT_TRUE(empty.h.window.statuses.isEmpty());
-
-        Browser failing("abc");
-        failing.window().failEverything = true;
-        failing.h.run(item);
-        EXPECT_EQ(failing.h.edit.text(), "\r\nabc");
-        EXPECT_EQ(failing.h.log.errors.size(), 1u);
-    }
-}
-
 TEST(HarvestCommands, AnyTagContentAsksForTagsAndCutsThePage) {
     struct Case {
         QStringList answers;
@@ -155,7 +127,6 @@ TEST(HarvestCommands, AnyTagContentAsksForTagsAndCutsThePage) {
         {{"<b>", "</B>"}, ">one\r\n class=\"x\">two\r\n", "<b>", "</B>"},
         {{"<i>", "</i>"}, "\r\n", "<i>", "</i>"}, // no element: the one empty entry
         {{"<b>"}, "", "<b>", "stop"},             // stop tag cancelled: nothing happens
-        {{}, "", "start", "stop"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.answers.join(' ').toStdString());
@@ -169,13 +140,8 @@ TEST(HarvestCommands, AnyTagContentAsksForTagsAndCutsThePage) {
         EXPECT_EQ(b.h.edit.text(), "x" + c.inserted);
         EXPECT_EQ(b.h.setting("frmEdit", "GetHtmlTagsStart"), c.start);
         EXPECT_EQ(b.h.setting("frmEdit", "GetHtmlTagsStop"), c.stop);
-        ASSERT_GE(b.h.dialogs.prompts.size(), 1u);
-        EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Enter the start tag.");
-        EXPECT_EQ(b.h.dialogs.prompts[0].title, "Any Tag Content");
-        EXPECT_EQ(b.h.dialogs.prompts[0].defaultAnswer, "start");
-        if (b.h.dialogs.prompts.size() > 1) {
-            EXPECT_EQ(b.h.dialogs.prompts[1].prompt, "Enter the stop tag.");
-        }
+        EXPECT_EQ(b.h.dialogs.shown(), (QStringList{"Enter the start tag.|Any Tag Content|start",
+                                                    "Enter the stop tag.|Any Tag Content|stop"}));
     }
 }
 

