@@ -38,6 +38,8 @@
 #include <optional>
 #include <string>
 #include <thread>
+
+#include <sys/resource.h>
 #include <vector>
 
 using namespace ed;
@@ -55,10 +57,18 @@ qint64 nowNs() {
         .count();
 }
 
+// Processor time of the whole process (the window's thread and its workers) so far.
+double processorMs() {
+    rusage use{};
+    getrusage(RUSAGE_SELF, &use);
+    return double(use.ru_utime.tv_sec + use.ru_stime.tv_sec) * 1e3 +
+           double(use.ru_utime.tv_usec + use.ru_stime.tv_usec) / 1e3;
+}
+
 void printRow(const std::string& step, const std::string& file, const std::string& time,
-              const std::string& freeze) {
-    std::printf("| %-36s | %-20s | %22s | %14s |\n", step.c_str(), file.c_str(), time.c_str(),
-                freeze.c_str());
+              const std::string& processor, const std::string& freeze) {
+    std::printf("| %-34s | %-20s | %22s | %12s | %14s |\n", step.c_str(), file.c_str(),
+                time.c_str(), processor.c_str(), freeze.c_str());
     std::fflush(stdout);
 }
 
@@ -173,7 +183,7 @@ private:
             }
             if (wake_.wait_until(lock, *deadline_) == std::cv_status::timeout && deadline_ &&
                 std::chrono::steady_clock::now() >= *deadline_) {
-                printRow(step_, file_,
+                printRow(step_, file_, "-",
                          "not done after " + std::to_string(stepTimeoutSeconds()) + " s",
                          ">= " + ms(ticker_.longestSoFarMs()));
                 std::_Exit(3);
@@ -288,6 +298,7 @@ int runCase(const QString& path, const std::string& label, bool edit) {
     const auto timed = [&](const std::string& name, const std::function<void()>& step) {
         watchdog.arm(name, label);
         ticker.start();
+        const double cpu = processorMs();
         QElapsedTimer t;
         t.start();
         step();
@@ -296,7 +307,7 @@ int runCase(const QString& path, const std::string& label, bool edit) {
             done = double(t.nsecsElapsed()) / 1e6;
         const double freeze = ticker.stopMs();
         watchdog.disarm();
-        printRow(name, label, ms(done), ms(freeze));
+        printRow(name, label, ms(done), ms(processorMs() - cpu), ms(freeze));
     };
 
     timed("open (until shown)", [&] {
@@ -317,11 +328,13 @@ int runCase(const QString& path, const std::string& label, bool edit) {
     watchdog.arm(keysName, label);
     ticker.start();
     std::vector<double> keyMs;
+    double keyCpu = 0;
     QByteArray typed;
     for (int i = 0; i < 100; ++i) {
         spin(20);
         const char c = char('a' + i % 26);
         const int before = paints.count();
+        const double cpu = processorMs();
         QElapsedTimer t;
         t.start();
         QKeyEvent press(QEvent::KeyPress, Qt::Key_A + i % 26, Qt::NoModifier, QString(QChar(c)));
@@ -334,6 +347,7 @@ int runCase(const QString& path, const std::string& label, bool edit) {
             ok = false;
         }
         keyMs.push_back(double(t.nsecsElapsed()) / 1e6);
+        keyCpu += processorMs() - cpu;
         typed += c;
     }
     const double typingFreeze = ticker.stopMs();
@@ -341,7 +355,7 @@ int runCase(const QString& path, const std::string& label, bool edit) {
     std::vector<double> sorted = keyMs;
     std::sort(sorted.begin(), sorted.end());
     printRow(keysName, label, ms(sorted[sorted.size() / 2]) + " / " + ms(sorted.back()),
-             ms(typingFreeze));
+             ms(keyCpu / double(keyMs.size())) + " avg", ms(typingFreeze));
     const QByteArray afterTyping = typed + original;
     check("typing", afterTyping);
 
@@ -355,6 +369,7 @@ int runCase(const QString& path, const std::string& label, bool edit) {
     const auto openMenu = [&](const std::string& name) {
         watchdog.arm(name, label);
         ticker.start();
+        const double cpu = processorMs();
         QElapsedTimer t;
         t.start();
         const int before = menuPaints.count();
@@ -363,7 +378,8 @@ int runCase(const QString& path, const std::string& label, bool edit) {
         const double took = double(t.nsecsElapsed()) / 1e6;
         const double freeze = ticker.stopMs();
         watchdog.disarm();
-        printRow(name, label, shown ? ms(took) : std::string("not shown"), ms(freeze));
+        printRow(name, label, shown ? ms(took) : std::string("not shown"), ms(processorMs() - cpu),
+                 ms(freeze));
         ok = ok && shown;
         editMenu->hide();
         window.menuBar()->setActiveAction(nullptr);
@@ -442,13 +458,17 @@ int main(int argc, char** argv) {
     if (sizes.empty())
         sizes.push_back(100);
 
-    std::printf("window: %s platform; a step not done after %d s is stopped\n\n",
+    QFile loadavg(QStringLiteral("/proc/loadavg"));
+    const QByteArray load = loadavg.open(QIODevice::ReadOnly) ? loadavg.readLine().trimmed() : "?";
+    std::printf("window: %s platform; a step not done after %d s is stopped; load average %s\n"
+                "processor: the process's user and system time during the step (every thread)\n\n",
                 qgetenv("QT_QPA_PLATFORM").isEmpty() ? "default"
                                                      : qgetenv("QT_QPA_PLATFORM").constData(),
-                stepTimeoutSeconds());
-    printRow("step", "file", "until on screen", "longest freeze");
-    std::printf("|%s|%s|%s|%s|\n", std::string(38, '-').c_str(), std::string(22, '-').c_str(),
-                std::string(24, '-').c_str(), std::string(16, '-').c_str());
+                stepTimeoutSeconds(), load.constData());
+    printRow("step", "file", "until on screen", "processor", "longest freeze");
+    std::printf("|%s|%s|%s|%s|%s|\n", std::string(36, '-').c_str(), std::string(22, '-').c_str(),
+                std::string(24, '-').c_str(), std::string(14, '-').c_str(),
+                std::string(16, '-').c_str());
     std::fflush(stdout);
 
     bool ok = true;
