@@ -447,6 +447,8 @@ int main(int argc, char** argv) {
     QTemporaryDir dir;
     qputenv("XDG_CONFIG_HOME", dir.path().toLocal8Bit());
     qputenv("LOGFILES", dir.path().toLocal8Bit());
+    // The recovery copies of the windows (left behind, since they are not closed) go there too.
+    qputenv("XDG_STATE_HOME", dir.path().toLocal8Bit());
     std::vector<double> sizes;
     bool lines = true;
     for (int i = 1; i < argc; ++i) {
