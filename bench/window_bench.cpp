@@ -183,8 +183,8 @@ private:
             }
             if (wake_.wait_until(lock, *deadline_) == std::cv_status::timeout && deadline_ &&
                 std::chrono::steady_clock::now() >= *deadline_) {
-                printRow(step_, file_, "-",
-                         "not done after " + std::to_string(stepTimeoutSeconds()) + " s",
+                printRow(step_, file_,
+                         "not done after " + std::to_string(stepTimeoutSeconds()) + " s", "-",
                          ">= " + ms(ticker_.longestSoFarMs()));
                 std::_Exit(3);
             }
@@ -461,7 +461,9 @@ int main(int argc, char** argv) {
         sizes.push_back(100);
 
     QFile loadavg(QStringLiteral("/proc/loadavg"));
-    const QByteArray load = loadavg.open(QIODevice::ReadOnly) ? loadavg.readLine().trimmed() : "?";
+    const QByteArray load = loadavg.open(QIODevice::ReadOnly)
+                                ? loadavg.readLine().split(' ').mid(0, 3).join(' ')
+                                : QByteArray("?");
     std::printf("window: %s platform; a step not done after %d s is stopped; load average %s\n"
                 "processor: the process's user and system time during the step (every thread)\n\n",
                 qgetenv("QT_QPA_PLATFORM").isEmpty() ? "default"
