@@ -114,7 +114,7 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
     auto job = std::make_shared<Job>();
     job->path = path;
     const FileIdentity before = FileIdentity::of(path);
-    job->loader.emplace(widgetEdit_.view(), QFileInfo(path).size());
+    job->loader.emplace(widgetEdit_.view(), QFileInfo(path).size(), false);
     auto work = [job, rtf] {
         if (!readFileBytes(job->path, job->bytes, job->error))
             return;
@@ -125,9 +125,21 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
             job->isRtf = true;
             return;
         }
-        const QByteArray model = decodeToModel(std::exchange(job->bytes, {}), &job->format);
-        job->percent = 30;
-        job->shown = job->loader->add(model, &job->cancelled, &job->percent, 30, 100);
+        // The file's bytes go to the view a piece at a time, and the memory of each piece goes
+        // back as soon as the view holds it: no second whole copy of the document exists.
+        const QByteArray bytes = std::exchange(job->bytes, {});
+        const double total = double(qMax<qsizetype>(1, bytes.size()));
+        qsizetype released = 0;
+        job->shown = decodeToModelInPieces(
+            bytes, &job->format, [&](QByteArrayView piece, qsizetype done) {
+                if (job->cancelled || !job->loader->add(piece))
+                    return false;
+                if (bytes.isDetached())
+                    releasePages(bytes.constData() + released, done - released);
+                released = done;
+                job->percent = 10 + int(90 * (double(done) / total));
+                return true;
+            });
         if (!job->shown && !job->cancelled)
             job->error = QStringLiteral("%1: not enough memory to show it").arg(job->path);
     };

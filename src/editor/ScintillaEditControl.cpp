@@ -292,6 +292,34 @@ QString ScintillaEditControl::selText() const {
     return fromModelUtf8(bytes().sliced(sel.start(), sel.end() - sel.start()));
 }
 
+// A plain document is held without a style byte per text byte (half the memory); the first
+// format it gets moves it into a document that has them, keeping the caret and the scrolling.
+void ScintillaEditControl::ensureStyles(bool keepText) {
+    if (!(send(Sci::SCI_GETDOCUMENTOPTIONS) & Sci::SC_DOCUMENTOPTION_STYLES_NONE))
+        return;
+    const Selection sel = selectionBytes();
+    const long top = send(Sci::SCI_GETFIRSTVISIBLELINE);
+    const long x = send(Sci::SCI_GETXOFFSET);
+    ViewLoader loader(view_, keepText ? byteLength() : 0, true);
+    if (keepText)
+        loader.add(bytes());
+    void* doc = loader.takeDocument();
+    if (!doc)
+        return;
+    pending_.reset();
+    own_ = true;
+    send(Sci::SCI_SETDOCPOINTER, 0, reinterpret_cast<long>(doc));
+    send(Sci::SCI_RELEASEDOCUMENT, 0, reinterpret_cast<long>(doc));
+    own_ = false;
+    prepareView();
+    applyWrap();
+    if (keepText) {
+        send(Sci::SCI_SETSEL, ulong(sel.anchor), long(sel.caret));
+        send(Sci::SCI_SETFIRSTVISIBLELINE, ulong(top));
+        send(Sci::SCI_SETXOFFSET, ulong(x));
+    }
+}
+
 void ScintillaEditControl::adopt(ViewLoader&& loaded) {
     void* doc = loaded.takeDocument();
     if (!doc)
@@ -312,6 +340,7 @@ void ScintillaEditControl::adopt(ViewLoader&& loaded) {
 
 bool ScintillaEditControl::loadRtf(const QByteArray& rtf, QString& error) {
     pending_.reset();
+    ensureStyles(false);
     const bool reporting = std::exchange(reporting_, false);
     QString notice;
     const bool loaded = styles_->loadRtf(rtf, &error, &notice);
@@ -332,6 +361,8 @@ QByteArray ScintillaEditControl::saveRtf() const {
 
 void ScintillaEditControl::setSelectionFont(const FontSpec& font) {
     const Selection sel = selectionBytes();
+    if (styles_->isRich() || sel.end() - sel.start() < byteLength())
+        ensureStyles(true);
     changeFormats(sel.start(), sel.end() - sel.start(),
                   [&] { styles_->setFont(sel.start(), sel.end() - sel.start(), font); });
 }
@@ -369,6 +400,7 @@ void ScintillaEditControl::steadyCaretOnLongLines() {
 void ScintillaEditControl::setSizeCycle(int start, int length, const QList<double>& cycle) {
     const qsizetype from = byteOffset(start);
     const qsizetype to = byteOffset(qsizetype(start) + length);
+    ensureStyles(true);
     changeFormats(from, to - from, [&] { styles_->setSizeCycle(from, to - from, cycle); });
 }
 

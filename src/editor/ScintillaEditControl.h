@@ -115,6 +115,9 @@ private:
     void prepareView();
     // Wraps as asked unless the document is too large for it.
     void applyWrap();
+    // Gives the document a style byte per text byte if it has none, with its text when `keepText`
+    // (else empty).
+    void ensureStyles(bool keepText);
     void steadyCaretOnLongLines();
     long send(unsigned msg, unsigned long w = 0, long l = 0) const;
     // Runs `change` on the formats of the bytes [start, start + length) as one undoable step.

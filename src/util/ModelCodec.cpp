@@ -11,6 +11,9 @@
 
 #include <cstring>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace ed {
 
 namespace {
@@ -187,6 +190,63 @@ QByteArray decodeToModel(const QByteArray& bytes, TextFormat* format) {
         return expandBreaks(text, '\r');
     }
     return text;
+}
+
+bool decodeToModelInPieces(const QByteArray& bytes, TextFormat* format,
+                           const std::function<bool(QByteArrayView, qsizetype)>& sink) {
+    constexpr qsizetype kPiece = qsizetype(1) << 20;
+    const char* p = bytes.constData();
+    const qsizetype n = bytes.size();
+    const bool bom = n >= 3 && uchar(p[0]) == 0xEF && uchar(p[1]) == 0xBB && uchar(p[2]) == 0xBF;
+    TextFormat f;
+    LineBreakScan scan;
+    qsizetype from = 0;
+    if (bom && scanUtf8(p + 3, n - 3, scan)) {
+        f.encoding = Encoding::Utf8Bom;
+        from = 3;
+    } else if (n >= 2 && n % 2 == 0 &&
+               ((uchar(p[0]) == 0xFF && uchar(p[1]) == 0xFE) ||
+                (uchar(p[0]) == 0xFE && uchar(p[1]) == 0xFF))) {
+        // UTF-16 is rare and decoded whole.
+        return sink(decodeToModel(bytes, format), n);
+    } else if (scan = LineBreakScan(), scanUtf8(p, n, scan)) {
+        f.encoding = Encoding::Utf8;
+    } else {
+        // Latin-1: each byte one character, the line breaks where its bytes have them.
+        f.encoding = Encoding::Latin1;
+        scan = LineBreakScan();
+        scan.add(p, 0, n);
+    }
+    f.lineBreak = scan.result();
+    if (format)
+        *format = f;
+    const char breakChar = f.lineBreak == LineBreak::Lf   ? '\n'
+                           : f.lineBreak == LineBreak::Cr ? '\r'
+                                                          : 0;
+    QByteArray converted;
+    for (qsizetype at = from; at < n; at += kPiece) {
+        const qsizetype len = qMin(kPiece, n - at);
+        QByteArrayView piece(p + at, len);
+        if (f.encoding == Encoding::Latin1) {
+            converted = latin1ToUtf8(piece);
+            piece = converted;
+        }
+        if (breakChar) {
+            converted = expandBreaks(piece.toByteArray(), breakChar);
+            piece = converted;
+        }
+        if (!sink(piece, at + len))
+            return false;
+    }
+    return true;
+}
+
+void releasePages(const char* data, qsizetype bytes) {
+    const auto page = quintptr(sysconf(_SC_PAGESIZE));
+    const quintptr begin = (quintptr(data) + page - 1) & ~(page - 1);
+    const quintptr end = (quintptr(data) + quintptr(bytes)) & ~(page - 1);
+    if (end > begin)
+        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
 }
 
 QByteArray encodeModel(const QByteArray& model, const TextFormat& format) {
