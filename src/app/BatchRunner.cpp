@@ -274,7 +274,11 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
         writeLine(err, e);
 
     QString writeError;
-    const QByteArray result = encodeModel(edit.utf8(), format);
+    // A UTF-8 file with CR LF breaks is the model as read: unchanged, it is written back as it
+    // is, without another pass over it.
+    const bool asRead =
+        !edit.changed() && format.encoding == Encoding::Utf8 && format.lineBreak == LineBreak::CrLf;
+    const QByteArray result = asRead ? edit.utf8() : encodeModel(edit.utf8(), format);
     if (!writeOutput(o.outFile, result, out, writeError)) {
         writeLine(err, QStringLiteral("Editor: ") + writeError);
         return 1;

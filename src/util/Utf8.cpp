@@ -40,7 +40,9 @@ constexpr quint8 kContAB = kTooLong | kOverlong2 | kTwoConts | kSurrogate | kToo
 // missing or surplus third or fourth byte, which shows in the bytes two and three back. Every
 // block takes the same steps, ASCII or not: on text where some lines hold other characters a
 // test per block would be mispredicted half the time and cost more than the look-ups.
-__attribute__((target("avx2"))) bool isValidUtf8Simd(const char* p, qsizetype n) {
+template <bool kNoteBreaks>
+__attribute__((target("avx2"))) bool isValidUtf8Simd(const char* p, qsizetype n,
+                                                     LineBreaksSeen* seen = nullptr) {
     const __m256i nibble = _mm256_set1_epi8(0x0F);
     const __m256i byte1HighTable = ED_UTF8_TABLE(
         kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTooLong, kTwoConts,
@@ -55,6 +57,11 @@ __attribute__((target("avx2"))) bool isValidUtf8Simd(const char* p, qsizetype n)
         kCont8, kCont9, kContAB, kContAB, kTooShort, kTooShort, kTooShort, kTooShort);
     __m256i error = _mm256_setzero_si256();
     __m256i previous = _mm256_setzero_si256();
+    const __m256i newline = _mm256_set1_epi8('\n');
+    const __m256i ret = _mm256_set1_epi8('\r');
+    __m256i loneLf = _mm256_setzero_si256();
+    __m256i anyLf = _mm256_setzero_si256();
+    __m256i anyCr = _mm256_setzero_si256();
     for (qsizetype i = 0; i < n; i += 32) {
         __m256i input;
         if (i + 32 <= n) {
@@ -84,7 +91,20 @@ __attribute__((target("avx2"))) bool isValidUtf8Simd(const char* p, qsizetype n)
                             _mm256_subs_epu8(prev3, _mm256_set1_epi8(char(0xF0 - 0x80)))),
             _mm256_set1_epi8(char(0x80)));
         error = _mm256_or_si256(error, _mm256_xor_si256(mustContinue, special));
+        if constexpr (kNoteBreaks) {
+            // An LF whose byte before is not a CR is a lone one.
+            const __m256i lfs = _mm256_cmpeq_epi8(input, newline);
+            anyLf = _mm256_or_si256(anyLf, lfs);
+            anyCr = _mm256_or_si256(anyCr, _mm256_cmpeq_epi8(input, ret));
+            loneLf =
+                _mm256_or_si256(loneLf, _mm256_andnot_si256(_mm256_cmpeq_epi8(prev1, ret), lfs));
+        }
         previous = input;
+    }
+    if constexpr (kNoteBreaks) {
+        seen->loneLf = !_mm256_testz_si256(loneLf, loneLf);
+        seen->lf = !_mm256_testz_si256(anyLf, anyLf);
+        seen->cr = !_mm256_testz_si256(anyCr, anyCr);
     }
     // A lead byte too close to the end for its sequence.
     const __m256i incomplete = _mm256_subs_epu8(
@@ -99,13 +119,29 @@ __attribute__((target("avx2"))) bool isValidUtf8Simd(const char* p, qsizetype n)
 
 } // namespace
 
+#if defined(__x86_64__) || defined(__i386__)
+namespace {
+const bool hasAvx2 = __builtin_cpu_supports("avx2");
+} // namespace
+#endif
+
 bool isValidUtf8(const char* p, qsizetype n) {
 #if defined(__x86_64__) || defined(__i386__)
-    static const bool simd = __builtin_cpu_supports("avx2");
-    if (simd)
-        return isValidUtf8Simd(p, n);
+    if (hasAvx2)
+        return isValidUtf8Simd<false>(p, n);
 #endif
     return isValidUtf8Plain(p, n);
+}
+
+bool isValidUtf8NotingBreaks(const char* p, qsizetype n, LineBreaksSeen& seen, bool& done) {
+#if defined(__x86_64__) || defined(__i386__)
+    if (hasAvx2) {
+        done = true;
+        return isValidUtf8Simd<true>(p, n, &seen);
+    }
+#endif
+    done = false;
+    return false;
 }
 
 bool isValidUtf8Plain(const char* p, qsizetype n) {
