@@ -10,12 +10,12 @@
 #include "editor/DocumentIO.h"
 #include "editor/MenuTable.h"
 #include "util/Utility.h"
-#include "web/BrowserPort.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -106,6 +106,17 @@ bool parseBatchArguments(const QStringList& args, BatchOptions& o, QString& erro
     return true;
 }
 
+bool isSendMailBatch(const QStringList& args) {
+    const qsizetype i = args.indexOf(QStringLiteral("--apply"));
+    return i >= 0 && i + 1 < args.size() && args[i + 1] == u"SendAsEmail";
+}
+
+bool needsFullProgram(const BatchOptions& options) {
+    return std::any_of(options.steps.begin(), options.steps.end(), [](const BatchStep& step) {
+        return runsInFullProgram(*findByBatchName(step.item));
+    });
+}
+
 void printCommandList(FILE* out) {
     for (const MenuItemDecl& d : menuItems()) {
         if (!availableInBatch(d))
@@ -183,7 +194,8 @@ struct LoggedErrors {
     }
 };
 
-int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
+int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err,
+                  const WithFullPorts& withFullPorts) {
     QByteArray input;
     QString usageError;
     if (!readInput(o.inFile, input, usageError) || !checkOutTarget(o.outFile, usageError)) {
@@ -228,24 +240,27 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
         if (const MenuItemDecl* d = findMenuItem(item))
             runMenuItem(*d, ctx);
     };
-    // The browser at the endpoint of the settings, for the Load From IE commands.
-    web::DevToolsBrowserPort browser(AppSettings(store, startUp.RegKeyAppName), logger, clipboard,
-                                     launcher);
-    ctx.browser = &browser;
-
-    for (const BatchStep& step : o.steps) {
-        dialogs.setAnswers(step.answers);
-        if (step.hasClipboard)
-            clipboard.setText(step.clipboard);
-        if (step.hasSelect) {
-            edit.setSelStart(step.selStart);
-            edit.setSelLength(step.selLength);
+    const auto runSteps = [&] {
+        for (const BatchStep& step : o.steps) {
+            dialogs.setAnswers(step.answers);
+            if (step.hasClipboard)
+                clipboard.setText(step.clipboard);
+            if (step.hasSelect) {
+                edit.setSelStart(step.selStart);
+                edit.setSelLength(step.selLength);
+            }
+            runMenuItem(*findByBatchName(step.item), ctx);
+            if (!dialogs.error().isEmpty())
+                return;
         }
-        runMenuItem(*findByBatchName(step.item), ctx);
-        if (!dialogs.error().isEmpty()) {
-            writeLine(err, QStringLiteral("Editor: ") + dialogs.error());
-            return 2;
-        }
+    };
+    if (withFullPorts)
+        withFullPorts(ctx, runSteps);
+    else
+        runSteps();
+    if (!dialogs.error().isEmpty()) {
+        writeLine(err, QStringLiteral("Editor: ") + dialogs.error());
+        return 2;
     }
 
     for (const QString& line : reportLines)
@@ -259,7 +274,11 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
         writeLine(err, e);
 
     QString writeError;
-    const QByteArray result = encodeModel(edit.utf8(), format);
+    // A UTF-8 file with CR LF breaks is the model as read: unchanged, it is written back as it
+    // is, without another pass over it.
+    const bool asRead =
+        !edit.changed() && format.encoding == Encoding::Utf8 && format.lineBreak == LineBreak::CrLf;
+    const QByteArray result = asRead ? edit.utf8() : encodeModel(edit.utf8(), format);
     if (!writeOutput(o.outFile, result, out, writeError)) {
         writeLine(err, QStringLiteral("Editor: ") + writeError);
         return 1;
@@ -269,11 +288,12 @@ int runBatchSteps(const BatchOptions& o, const StartUpState& startUp, FILE* out,
 
 } // namespace
 
-int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err) {
+int runBatch(const BatchOptions& o, const StartUpState& startUp, FILE* out, FILE* err,
+             const WithFullPorts& withFullPorts) {
     // The output is written only once every step has run, so running out of memory on the way
     // leaves nothing behind.
     try {
-        return runBatchSteps(o, startUp, out, err);
+        return runBatchSteps(o, startUp, out, err, withFullPorts);
     } catch (const std::bad_alloc&) {
         writeLine(err, QStringLiteral("Editor: out of memory: the document is too large for the "
                                       "memory of this machine; nothing was written"));

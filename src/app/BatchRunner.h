@@ -9,9 +9,11 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <functional>
 
 namespace ed {
 
+struct CommandContext;
 struct StartUpState;
 
 struct BatchStep {
@@ -34,11 +36,21 @@ struct BatchOptions {
 // Parses the arguments after the program name. On a usage error returns false with `error` set.
 bool parseBatchArguments(const QStringList& args, BatchOptions& options, QString& error);
 
+// Whether the arguments ask for Send Email's own form (--field ...) rather than menu commands.
+bool isSendMailBatch(const QStringList& args);
+
+// True when a step's command is one that Editor leaves to Editor-full (browser, mail).
+bool needsFullProgram(const BatchOptions& options);
+
 // "\r" and "\n" written as \r and \n, a backslash as \\.
 QString escapeReport(const QString& text);
 
+// Runs `steps` with the ports that only Editor-full has (the browser) set on `ctx`.
+using WithFullPorts = std::function<void(CommandContext& ctx, const std::function<void()>& steps)>;
+
 // Runs the steps. Returns the exit status: 0 ran, 1 a handler logged an error, 2 usage error.
-int runBatch(const BatchOptions& options, const StartUpState& startUp, FILE* out, FILE* err);
+int runBatch(const BatchOptions& options, const StartUpState& startUp, FILE* out, FILE* err,
+             const WithFullPorts& withFullPorts = {});
 
 // Prints every command the batch runner accepts with its caption.
 void printCommandList(FILE* out);

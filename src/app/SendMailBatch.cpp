@@ -160,11 +160,6 @@ QString oneLine(QString text) {
 
 } // namespace
 
-bool isSendMailBatch(const QStringList& args) {
-    const qsizetype i = args.indexOf(QStringLiteral("--apply"));
-    return i >= 0 && i + 1 < args.size() && args[i + 1] == u"SendAsEmail";
-}
-
 int runSendMailBatch(const QStringList& args, mail::MailTransport& transport, FILE* err) {
     MailArguments m;
     mail::SendRequest request;

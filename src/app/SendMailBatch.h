@@ -13,9 +13,6 @@ namespace mail {
 class MailTransport;
 }
 
-// Whether the arguments ask for the mail command rather than the text commands.
-bool isSendMailBatch(const QStringList& args);
-
 // Runs it. Exit status: 0 every address sent or skipped, 1 any address failed, 2 a usage error
 // or a problem found before sending (nothing was sent).
 int runSendMailBatch(const QStringList& args, mail::MailTransport& transport, FILE* err);

@@ -1,11 +1,19 @@
 #include "app/SystemPorts.h"
 
-#include <QDesktopServices>
-#include <QGuiApplication>
 #include <QProcess>
 #include <QUrl>
 
+#include <atomic>
+
 namespace ed {
+
+namespace {
+std::atomic<ProcessLauncher::DesktopOpener> desktopOpener{nullptr};
+} // namespace
+
+void ProcessLauncher::setDesktopOpener(DesktopOpener opener) {
+    desktopOpener.store(opener);
+}
 
 bool ProcessLauncher::startProcess(const QString& program, const QStringList& arguments) {
     if (program.isEmpty())
@@ -18,8 +26,8 @@ bool ProcessLauncher::open(const QString& target) {
     const QUrl url = desktopAddress(target);
     if (!url.isValid())
         return false;
-    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-        return QDesktopServices::openUrl(url);
+    if (const DesktopOpener opener = desktopOpener.load())
+        return opener(url);
     return QProcess::startDetached(QStringLiteral("xdg-open"), {url.toString()});
 }
 

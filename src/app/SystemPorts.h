@@ -3,6 +3,8 @@
 
 #include "app/Ports.h"
 
+class QUrl;
+
 namespace ed {
 
 class SystemClock : public Clock {
@@ -16,6 +18,12 @@ class ProcessLauncher : public Launcher {
 public:
     bool open(const QString& target) override;
     bool explore(const QString& folder) override;
+
+    // How addresses reach the desktop's handlers in this process. The window program installs
+    // its desktop session's own (which needs the graphical libraries); until then, and in the
+    // batch runner, xdg-open is started with the address.
+    using DesktopOpener = bool (*)(const QUrl& address);
+    static void setDesktopOpener(DesktopOpener opener);
 
 protected:
     bool startProcess(const QString& program, const QStringList& arguments) override;

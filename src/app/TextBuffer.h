@@ -25,6 +25,7 @@ public:
         start_ = 0;
         length_ = 0;
         ++assignments_;
+        changed_ = true;
     }
     int textLength() const override {
         if (units_ < 0)
@@ -56,12 +57,15 @@ public:
             bytes_ = toModelUtf8(t);
         }
         units_ = -1;
+        changed_ = true;
         start_ = qBound(0, start_, textLength());
         length_ = qBound(0, length_, textLength() - start_);
     }
 
     // How many whole-text assignments were made (tests check "one final assignment").
     int assignments() const { return assignments_; }
+    // False while the bytes are still those the buffer was made with.
+    bool changed() const { return changed_; }
 
 private:
     QByteArray bytes_;
@@ -69,6 +73,7 @@ private:
     int start_ = 0;
     int length_ = 0;
     int assignments_ = 0;
+    bool changed_ = false;
 };
 
 } // namespace ed

@@ -1,17 +1,18 @@
 // Editor: a text workbench. With --apply it runs menu commands on a file without a window;
 // otherwise it opens the editor window on the file named on the command line.
+// This program runs the text commands itself and needs Qt Core only; the window, and the
+// commands that need the browser or mail, are Editor-full's, which it starts in its place.
 
 #include "app/BatchRunner.h"
-#include "app/SendMailBatch.h"
+#include "app/FullProgram.h"
 #include "app/SettingsStore.h"
 #include "app/StartUp.h"
-#include "editor/WindowMain.h"
-#include "mail/CurlTransport.h"
 
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -59,34 +60,38 @@ int main(int argc, char** argv) {
         }
     }
 
-    if (batch || hasOption(args, "--settings-path")) {
-        QCoreApplication app(argc, argv);
-        ed::StartUpState startUp;
-        ed::runStartUp(startUp, QCoreApplication::applicationFilePath(), {});
-        if (!batch) {
-            std::printf("%s\n",
-                        ed::SettingsStore().filePath(startUp.RegKeyAppName).toLocal8Bit().constData());
-            return 0;
+    const bool window = !batch && !hasOption(args, "--settings-path");
+    if (window) {
+        for (const QString& a : args) {
+            if (a.startsWith(u"--")) {
+                std::fprintf(stderr, "Editor: unknown option %s\n%s", a.toLocal8Bit().constData(),
+                             kUsage);
+                return 2;
+            }
         }
-        if (ed::isSendMailBatch(args)) {
-            ed::mail::CurlTransport transport;
-            return ed::runSendMailBatch(args, transport, stderr);
-        }
-        ed::BatchOptions options;
-        QString error;
-        if (!ed::parseBatchArguments(args, options, error)) {
-            std::fprintf(stderr, "Editor: %s\n", error.toLocal8Bit().constData());
-            return 2;
-        }
-        return ed::runBatch(options, startUp, stdout, stderr);
     }
 
-    for (const QString& a : args) {
-        if (a.startsWith(u"--")) {
-            std::fprintf(stderr, "Editor: unknown option %s\n%s", a.toLocal8Bit().constData(),
-                         kUsage);
-            return 2;
-        }
+    // Editor-full gets the arguments as they came, before the application takes its own.
+    const std::vector<char*> given(argv, argv + argc + 1);
+    QCoreApplication app(argc, argv);
+    const QByteArray program = QCoreApplication::applicationFilePath().toLocal8Bit();
+    if (window || ed::isSendMailBatch(args))
+        return ed::startFullProgram(program.constData(), given.data());
+
+    ed::StartUpState startUp;
+    ed::runStartUp(startUp, QCoreApplication::applicationFilePath(), {});
+    if (!batch) {
+        std::printf("%s\n",
+                    ed::SettingsStore().filePath(startUp.RegKeyAppName).toLocal8Bit().constData());
+        return 0;
     }
-    return ed::runWindowApp(argc, argv, args);
+    ed::BatchOptions options;
+    QString error;
+    if (!ed::parseBatchArguments(args, options, error)) {
+        std::fprintf(stderr, "Editor: %s\n", error.toLocal8Bit().constData());
+        return 2;
+    }
+    if (ed::needsFullProgram(options))
+        return ed::startFullProgram(program.constData(), given.data());
+    return ed::runBatch(options, startUp, stdout, stderr);
 }

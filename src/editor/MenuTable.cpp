@@ -3,11 +3,8 @@
 #include "app/Trap.h"
 #include "editor/ClipboardCommands.h"
 #include "editor/DocumentCommands.h"
-#include "editor/HistoryCommands.h"
-#include "editor/Placement.h"
 #include "editor/SearchCommands.h"
 #include "editor/ViewCommands.h"
-#include "mail/SendMailCommand.h"
 #include "textcmds/Case.h"
 #include "textcmds/CodeArray.h"
 #include "textcmds/Convert.h"
@@ -15,20 +12,40 @@
 #include "textcmds/Formatting.h"
 #include "textcmds/LineFilters.h"
 #include "textcmds/Positional.h"
-#include "textcmds/ReOrder.h"
 #include "textcmds/PrefixSuffix.h"
+#include "textcmds/ReOrder.h"
 #include "textcmds/Whitespace.h"
-#include "web/BrowserCommands.h"
-#include "web/HarvestCommands.h"
-#include "web/DownloadCommand.h"
-#include "web/SiteList.h"
-#include "web/WebMenuCommands.h"
 
 #include <QHash>
+
+#include <stdexcept>
+
+// This table is built twice: into Editor-full with every handler, and into Editor, the program
+// the user starts, with the handlers marked FULL() left out. Editor then knows every item but
+// hands the ones so marked to Editor-full, together with the window, so it needs none of the
+// window's, the browser's or mail's libraries.
+#ifdef EDITOR_TEXT_ONLY
+#define FULL(handler) runInFullProgram
+#else
+#include "editor/HistoryCommands.h"
+#include "editor/Placement.h"
+#include "mail/SendMailCommand.h"
+#include "web/BrowserCommands.h"
+#include "web/DownloadCommand.h"
+#include "web/HarvestCommands.h"
+#include "web/SiteList.h"
+#include "web/WebMenuCommands.h"
+#define FULL(handler) handler
+#endif
 
 namespace ed {
 
 namespace {
+
+// Stands for a handler of Editor-full in Editor's table; Editor never runs it.
+void runInFullProgram(CommandContext&) {
+    throw std::logic_error("this command runs in Editor-full");
+}
 
 constexpr unsigned M = kMenu;
 constexpr unsigned S = kSeparator;
@@ -52,8 +69,8 @@ const std::vector<MenuItemDecl> kItems = {
     {"mnuExit", "Close", "mnuFile", "Ctrl+X", W, mnuExit_Click, nullptr, nullptr},
     // Edit
     {"mnuEdit", "Edit", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuUndo", "Undo", "mnuEdit", "Ctrl+Z", kDisabled | W, mnuUndo_Click, nullptr, nullptr},
-    {"mnuRedo", "Redo", "mnuEdit", "Ctrl+Y", kDisabled | W, mnuRedo_Click, nullptr, nullptr},
+    {"mnuUndo", "Undo", "mnuEdit", "Ctrl+Z", kDisabled | W, FULL(mnuUndo_Click), nullptr, nullptr},
+    {"mnuRedo", "Redo", "mnuEdit", "Ctrl+Y", kDisabled | W, FULL(mnuRedo_Click), nullptr, nullptr},
     {"mnuSepUndo", "-", "mnuEdit", "", S, nullptr, nullptr, nullptr},
     {"mnuCut", "Cut", "mnuEdit", "", kNone, mnuCut_Click, nullptr, nullptr},
     {"mnuCopy", "Copy", "mnuEdit", "", kNone, mnuCopy_Click, nullptr, nullptr},
@@ -73,56 +90,59 @@ const std::vector<MenuItemDecl> kItems = {
     // View
     {"mnuView", "View", nullptr, "", M, nullptr, nullptr, nullptr},
     {"sep12", "-", "mnuView", "", S, nullptr, nullptr, nullptr},
-    {"mnuKeepOnTop", "Keep On Top", "mnuView", "", kCheckable | W, mnuKeepOnTop_Click, nullptr,
-     nullptr},
+    {"mnuKeepOnTop", "Keep On Top", "mnuView", "", kCheckable | W, FULL(mnuKeepOnTop_Click),
+     nullptr, nullptr},
     // Web
     {"mnuWeb", "Web", nullptr, "", M, nullptr, nullptr, nullptr},
-    {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, mnuSendAsEmail_Click, nullptr, nullptr},
-    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", kNone, mnuNaviagetTo_Click, nullptr, nullptr},
-    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", kNone, mnuSearchGoogle_Click, nullptr,
+    {"mnuSendAsEmail", "Send Email", "mnuWeb", "", W, FULL(mnuSendAsEmail_Click), nullptr, nullptr},
+    {"mnuNaviagetTo", "Navigate to", "mnuWeb", "", kNone, FULL(mnuNaviagetTo_Click), nullptr,
      nullptr},
-    {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, mnuNavigateToSel_Click, nullptr,
+    {"mnuSearchGoogle", "Search Google", "mnuWeb", "", kNone, FULL(mnuSearchGoogle_Click), nullptr,
      nullptr},
+    {"mnuNavigateToSel", "Navigate To Sel", "mnuWeb", "", kNone, FULL(mnuNavigateToSel_Click),
+     nullptr, nullptr},
     {"mnusep27", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuPause", "Pause List Nav", "mnuWeb", "F1", kDisabled | kCheckable | W, mnuPause_Click,
+    {"mnuPause", "Pause List Nav", "mnuWeb", "F1", kDisabled | kCheckable | W, FULL(mnuPause_Click),
      nullptr, nullptr},
-    {"mnuNextItem", "Next Item", "mnuWeb", "F2", kDisabled | W, mnuNextItem_Click, nullptr,
+    {"mnuNextItem", "Next Item", "mnuWeb", "F2", kDisabled | W, FULL(mnuNextItem_Click), nullptr,
      nullptr},
-    {"mnuChangeTiming", "Change timing", "mnuWeb", "", kDisabled | W, mnuChangeTiming_Click,
+    {"mnuChangeTiming", "Change timing", "mnuWeb", "", kDisabled | W, FULL(mnuChangeTiming_Click),
      nullptr, nullptr},
-    {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, mnuNavigateSiteList_Click,
+    {"mnuNavigateSiteList", "Navigate Site List", "mnuWeb", "", W, FULL(mnuNavigateSiteList_Click),
      nullptr, nullptr},
     {"mnusep24", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", kNone, mnuSaveWebPage_Click, nullptr,
+    {"mnuSaveWebPage", "Save web page", "mnuWeb", "", kNone, FULL(mnuSaveWebPage_Click), nullptr,
      nullptr},
     {"mnusep8", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
-    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", kNone, mnuDownloadFiles_Click, nullptr,
-     nullptr},
+    {"mnuDownloadFiles", "Download Files", "mnuWeb", "", kNone, FULL(mnuDownloadFiles_Click),
+     nullptr, nullptr},
     {"mnusep23", "-", "mnuWeb", "", S, nullptr, nullptr, nullptr},
     {"mnuLoad", "Load From IE", "mnuWeb", "", M, nullptr, nullptr, nullptr},
-    {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, mnuGetBrowserText_Click,
+    {"mnuGetBrowserText", "Text", "mnuLoad", "", kNone, FULL(mnuGetBrowserText_Click),
      "Sub mnuGetBrowserText_Click", nullptr},
-    {"mnuGetBrowserHtml", "Html", "mnuLoad", "", kNone, mnuGetBrowserHtml_Click,
+    {"mnuGetBrowserHtml", "Html", "mnuLoad", "", kNone, FULL(mnuGetBrowserHtml_Click),
      "Sub mnuGetBrowserHtml_Click", nullptr},
-    {"mnuGetBrowserLinks", "Links", "mnuLoad", "", kNone, mnuGetBrowserLinks_Click,
+    {"mnuGetBrowserLinks", "Links", "mnuLoad", "", kNone, FULL(mnuGetBrowserLinks_Click),
      "Sub mnuGetBrowserLinks_Click", nullptr},
-    {"mnuGetBrowserEmail", "Email", "mnuLoad", "", kNone, mnuGetBrowserEmail_Click, nullptr,
+    {"mnuGetBrowserEmail", "Email", "mnuLoad", "", kNone, FULL(mnuGetBrowserEmail_Click), nullptr,
      nullptr},
-    {"mnuGetFaxNumbers", "Fax #s", "mnuLoad", "", kNone, mnuGetFaxNumbers_Click, nullptr, nullptr},
-    {"mnuGetPhoneNumbers", "Phone #s", "mnuLoad", "", kNone, mnuGetPhoneNumbers_Click, nullptr,
+    {"mnuGetFaxNumbers", "Fax #s", "mnuLoad", "", kNone, FULL(mnuGetFaxNumbers_Click), nullptr,
      nullptr},
-    {"mnuAnyTagContent", "Any Tag Content", "mnuLoad", "", kNone, mnuAnyTagContent_Click, nullptr,
-     nullptr},
+    {"mnuGetPhoneNumbers", "Phone #s", "mnuLoad", "", kNone, FULL(mnuGetPhoneNumbers_Click),
+     nullptr, nullptr},
+    {"mnuAnyTagContent", "Any Tag Content", "mnuLoad", "", kNone, FULL(mnuAnyTagContent_Click),
+     nullptr, nullptr},
     {"mnuGetBrowserLinksConditional", "Links Conditionally", "mnuLoad", "", kNone,
-     mnuGetBrowserLinksConditional_Click, nullptr, nullptr},
+     FULL(mnuGetBrowserLinksConditional_Click), nullptr, nullptr},
     // Tools
     {"mnuTools", "Tools", nullptr, "", M, nullptr, nullptr, nullptr},
     {"mnuSetDefaultDir", "Set (Select Dir)", "mnuTools", "", W, mnuSetDefaultDir_Click, nullptr,
      nullptr},
-    {"mnuExplorer", "Open Explorer", "mnuTools", "", kNone, mnuExplorer_Click, nullptr, nullptr},
+    {"mnuExplorer", "Open Explorer", "mnuTools", "", kNone, FULL(mnuExplorer_Click), nullptr,
+     nullptr},
     {"mnuWebsites", "Open In Notepad", "mnuTools", "", W, mnuWebsites_Click, nullptr, nullptr},
     {"mnuLoadinwebbrowser", "Open In Default Editor", "mnuTools", "", kNone,
-     mnuLoadinwebbrowser_Click, nullptr, nullptr},
+     FULL(mnuLoadinwebbrowser_Click), nullptr, nullptr},
     {"sep7", "-", "mnuTools", "", S, nullptr, nullptr, nullptr},
     {"mnuGet", "Get", "mnuTools", "", M, nullptr, nullptr, nullptr},
     {"mnuShowLineCount", "Line Count", "mnuGet", "", kNone, mnuShowLineCount_Click, nullptr,
@@ -181,8 +201,8 @@ const std::vector<MenuItemDecl> kItems = {
      mnuCreateCodeArrayOfWordList_Click, nullptr, nullptr},
     {"mnuReNumberArrayElements", "Renumber Array elements", "mnuReOrder", "", kNone,
      mnuReNumberArrayElements_Click, nullptr, nullptr},
-    {"mnuTurnToStream", "Delimited To Text Stream", "mnuReOrder", "", kNone,
-     mnuTurnToStream_Click, nullptr, nullptr},
+    {"mnuTurnToStream", "Delimited To Text Stream", "mnuReOrder", "", kNone, mnuTurnToStream_Click,
+     nullptr, nullptr},
     {"mnuDelimitRunningText", "Text Stream To Delimited", "mnuReOrder", "", kNone,
      mnuDelimitRunningText_Click, nullptr, nullptr},
     {"mnuCapitalization", "Capitalization", "mnuTools", "", M, nullptr, nullptr, nullptr},
@@ -262,6 +282,10 @@ QString trapModule(const MenuItemDecl& item) {
 
 bool isCommand(const MenuItemDecl& item) {
     return !(item.flags & (kMenu | kSeparator | kLinkList));
+}
+
+bool runsInFullProgram(const MenuItemDecl& item) {
+    return item.handler == runInFullProgram;
 }
 
 bool availableInBatch(const MenuItemDecl& item) {

@@ -27,9 +27,9 @@ struct MenuItemDecl {
     const char* parent;   // the menu that holds it; nullptr for the menu bar
     const char* shortcut; // "Ctrl+S", "F3", or ""
     unsigned flags;
-    Handler handler;     // nullptr: the command is not available yet
-    const char* label;   // error-trap label when it is not name + "_Click"; nullptr otherwise
-    const char* module;  // error-trap module; nullptr means "frmEdit"
+    Handler handler;    // nullptr: the command is not available yet
+    const char* label;  // error-trap label when it is not name + "_Click"; nullptr otherwise
+    const char* module; // error-trap module; nullptr means "frmEdit"
 };
 
 const std::vector<MenuItemDecl>& menuItems();
@@ -42,6 +42,9 @@ QString trapLabel(const MenuItemDecl& item);
 QString trapModule(const MenuItemDecl& item);
 bool isCommand(const MenuItemDecl& item);
 bool availableInBatch(const MenuItemDecl& item);
+// True in Editor for the items whose handler is Editor-full's (window, browser, mail); always
+// false in Editor-full, which runs them all.
+bool runsInFullProgram(const MenuItemDecl& item);
 
 // Runs an item's handler under the error trap of its label. Returns false when it was logged.
 bool runMenuItem(const MenuItemDecl& item, CommandContext& ctx);

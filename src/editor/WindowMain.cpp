@@ -1,15 +1,17 @@
 #include "editor/WindowMain.h"
 
 #include "app/StartUp.h"
+#include "app/SystemPorts.h"
 #include "editor/EditorWindow.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 
 #include <cstdio>
 
 namespace ed {
 
-int runWindowApp(int argc, char** argv, const QStringList& args) {
+int runWindowApp(int argc, char** argv, const QString& program, const QStringList& args) {
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
         qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         std::fprintf(stderr,
@@ -20,8 +22,10 @@ int runWindowApp(int argc, char** argv, const QStringList& args) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Editor"));
     QApplication::setApplicationVersion(QStringLiteral(EDITOR_VERSION));
+    ProcessLauncher::setDesktopOpener(
+        [](const QUrl& address) { return QDesktopServices::openUrl(address); });
     static StartUpState startUp;
-    runStartUp(startUp, QCoreApplication::applicationFilePath(), args);
+    runStartUp(startUp, program, args);
     EditorWindow window(startUp);
     window.load();
     return app.exec();

@@ -4,7 +4,7 @@
 #include "textcmds/Positional.h"
 #include "textcmds/RememberedAnswer.h"
 #include "util/ByteSearch.h"
-#include "web/WebText.h"
+#include "util/TagContent.h"
 
 #include <cstring>
 #include <limits>
@@ -168,9 +168,9 @@ void mnuGetHtmlTags_Click(CommandContext& ctx) {
         return;
     rememberAnswer(ctx, stopKey, *stop);
     const QByteArray text = ctx.edit.utf8();
-    // The tag cutter of the browser session, on the document's text as it stands.
+    // The tag cutter the browser session uses too, on the document's text as it stands.
     const QList<QByteArrayView> entries =
-        web::htmlTagContentUtf8(toModelUtf8(*start), toModelUtf8(*stop), text);
+        htmlTagContentUtf8(toModelUtf8(*start), toModelUtf8(*stop), text);
     qsizetype size = 0;
     for (QByteArrayView entry : entries)
         size += entry.size() + 2;

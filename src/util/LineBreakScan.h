@@ -4,6 +4,7 @@
 // gets CR LF (as a document without a line break is written back).
 
 #include "util/TextCodec.h"
+#include "util/Utf8.h"
 
 #include <QtGlobal>
 
@@ -54,6 +55,13 @@ public:
             }
             cr_ = cr_ || p[i] == '\r';
         }
+    }
+
+    // Takes what another scan of the whole text found (isValidUtf8NotingBreaks).
+    void add(const LineBreaksSeen& seen) {
+        lone_ = lone_ || seen.loneLf;
+        lf_ = lf_ || seen.lf;
+        cr_ = cr_ || seen.cr;
     }
 
     LineBreak result() const {

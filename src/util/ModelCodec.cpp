@@ -138,10 +138,17 @@ QByteArray withoutLoneSurrogates(const QByteArray& model) {
 
 } // namespace
 
-// Checks that [p, p + n) is UTF-8 and finds its line-break style in the same pass, a piece at a
-// time while the piece is in the cache. A piece ends before an ASCII byte, so no sequence spans
-// two.
+// Checks that [p, p + n) is UTF-8 and finds its line-break style in the same pass: in one go
+// where the check's vector instructions note the breaks too, else a piece at a time while the
+// piece is in the cache. A piece ends before an ASCII byte, so no sequence spans two.
 bool scanUtf8(const char* p, qsizetype n, LineBreakScan& breaks) {
+    LineBreaksSeen seen;
+    bool done = false;
+    const bool valid = isValidUtf8NotingBreaks(p, n, seen, done);
+    if (done) {
+        breaks.add(seen);
+        return valid;
+    }
     constexpr qsizetype kPiece = 64 * 1024;
     for (qsizetype from = 0; from < n;) {
         qsizetype to = qMin(n, from + kPiece);

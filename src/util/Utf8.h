@@ -12,6 +12,17 @@ bool isValidUtf8(const char* p, qsizetype n);
 // uses (and to check it against).
 bool isValidUtf8Plain(const char* p, qsizetype n);
 
+// The line breaks a text holds: an LF not right after a CR (one at the start counts), any LF,
+// any CR.
+struct LineBreaksSeen {
+    bool loneLf = false;
+    bool lf = false;
+    bool cr = false;
+};
+// isValidUtf8, noting the line breaks of [p, p + n) in `seen` in the same pass (when valid).
+// False in `done` where the processor lacks the vector instructions to do both at once.
+bool isValidUtf8NotingBreaks(const char* p, qsizetype n, LineBreaksSeen& seen, bool& done);
+
 // The character starting at `s` in valid UTF-8; `len` gets its length in bytes.
 inline char32_t decodeUtf8At(const unsigned char* s, int& len) {
     const unsigned c = s[0];

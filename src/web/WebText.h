@@ -1,9 +1,7 @@
 #pragma once
 // Text rules of the browser session that need no browser: the protocol table, where an address
-// goes, tag stripping, e-mail/web-link recognition and cutting content out between tags.
+// goes, tag stripping and e-mail/web-link recognition.
 
-#include <QByteArrayView>
-#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -40,16 +38,6 @@ enum LinkClass { NotALink = 0, EmailAddress = 1, WebLink = 2 };
 int isThisEmailOrLink(const QString& text, bool checkProtocol);
 bool isEmailAddress(const QString& text);
 bool isBareWebAddress(const QString& text);
-
-// Content between `startTag` and `stopTag` in `html`, searched with the letters A to Z in either
-// case, cut out of `html` as given. Each entry begins with the rest of the start tag (its
-// attributes and its ">"); an element that is not closed before the next start tag of its kind
-// ends there. One "" entry when nothing was found or a tag is "". At most 10000 entries and
-// 10000 passes. Linear in the text.
-QStringList htmlTagContent(const QString& startTag, const QString& stopTag, const QString& html);
-// The same on UTF-8 bytes: the entries are stretches of `html`.
-QList<QByteArrayView> htmlTagContentUtf8(QByteArrayView startTag, QByteArrayView stopTag,
-                                         QByteArrayView html);
 
 // Every line break (CR LF, lone LF, lone CR) as CR LF, the document's own line break.
 QString toCrLf(const QString& text);

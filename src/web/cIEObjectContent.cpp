@@ -3,6 +3,7 @@
 #include "web/cIEObject.h"
 
 #include "app/Trap.h"
+#include "util/TagContent.h"
 #include "web/WebText.h"
 
 #include <QFileInfo>

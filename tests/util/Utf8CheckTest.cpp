@@ -30,7 +30,7 @@ TEST(Utf8Check, AcceptsExactlyWhatTheDecoderReadsAsUtf8) {
         EXPECT_EQ(bytesFormat.encoding, f.encoding) << b.toHex().constData();
     }
     // Random bytes, mostly ASCII with some of every kind of lead and continuation byte, long
-    // enough for faults to fall on every place of the sixteen-byte blocks and across them. The
+    // enough for faults to fall on every place of the vector check's blocks and across them. The
     // vector check and the plain one must both agree with the decoder.
     std::mt19937 random(7);
     const unsigned char other[] = {0x80, 0x9F, 0xA0, 0xBF, 0xC2, 0xDF, 0xE0,
