@@ -130,8 +130,8 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
         const QByteArray bytes = std::exchange(job->bytes, {});
         const double total = double(qMax<qsizetype>(1, bytes.size()));
         qsizetype released = 0;
-        job->shown = decodeToModelInPieces(
-            bytes, &job->format, [&](QByteArrayView piece, qsizetype done) {
+        job->shown =
+            decodeToModelInPieces(bytes, &job->format, [&](QByteArrayView piece, qsizetype done) {
                 if (job->cancelled || !job->loader->add(piece))
                     return false;
                 if (bytes.isDetached())

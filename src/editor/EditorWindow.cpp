@@ -60,6 +60,7 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     edit_ = new ScintillaEditControl(text_);
     edit_->setSelectionFont(FontSpec());
     busy_ = std::make_unique<BusyWork>(this);
+    edit_->setBusyWork(busy_.get());
     files_ = std::make_unique<WidgetDocumentFiles>(*edit_, busy_.get());
     history_ = std::make_unique<UndoHistory>(*edit_);
     background_ = std::make_unique<BackgroundCommands>(BackgroundCommands::Services{

@@ -1,11 +1,15 @@
 #include "editor/ScintillaEditControl.h"
 
+#include "editor/BusyWork.h"
 #include "editor/ViewStyles.h"
 #include "util/ModelText.h"
 
 #include <Qsci/qsciscintillabase.h>
 
+#include <QThread>
+
 #include <cstring>
+#include <optional>
 
 namespace ed {
 
@@ -18,6 +22,8 @@ using Sci = QsciScintillaBase;
 // would lay out the line again).
 constexpr qsizetype kWrapLimit = qsizetype(4) << 20;
 constexpr qsizetype kSteadyCaretLine = 64 * 1024;
+// A change of this many bytes is built into a new document on a worker.
+constexpr qsizetype kWorkerChange = qsizetype(4) << 20;
 
 // How many bytes `a` and `b` (both at least `n` long) have in common from their start, or with
 // `step` -1, up to their ends.
@@ -152,8 +158,11 @@ void ScintillaEditControl::setUtf8(const QByteArray& text) {
     setCaretByte(0);
 }
 
-void ScintillaEditControl::replaceBytes(qsizetype offset, qsizetype length, QByteArrayView with) {
+bool ScintillaEditControl::replaceBytes(qsizetype offset, qsizetype length, QByteArrayView with) {
     flushSelection(); // the view moves the selection along with the text
+    if (busy_ && qMax(length, with.size()) >= kWorkerChange && !styles_->isRich() &&
+        QThread::currentThread() == thread())
+        return replaceOnWorker(offset, length, with);
     QByteArray removed;
     if (reporting_)
         removed = bytes().sliced(offset, length).toByteArray();
@@ -165,16 +174,84 @@ void ScintillaEditControl::replaceBytes(qsizetype offset, qsizetype length, QByt
     applyWrap();
     if (reporting_)
         emit changed(offset, removed, with.toByteArray(), false);
+    return true;
 }
 
-void ScintillaEditControl::replaceHistoryBytes(qsizetype offset, qsizetype length,
+// The view takes a change of many lines slowly (every line start and the UTF-16 index of every
+// line are updated one by one, on the window's thread); a new document is built from the bytes
+// around the change on a worker, as a file is loaded, and then shown in one quick step. The
+// worker reads the view's own bytes, so it cannot be cancelled: the busy indicator keeps the
+// document as it is until the worker is done.
+bool ScintillaEditControl::replaceOnWorker(qsizetype offset, qsizetype length,
+                                           QByteArrayView with) {
+    struct Job : BusyToken {
+        std::optional<ViewLoader> loader;
+        bool built = false;
+    };
+    auto job = std::make_shared<Job>();
+    const QByteArrayView doc = bytes(); // the view's bytes stay put while the busy guard is up
+    const bool styled = !(send(Sci::SCI_GETDOCUMENTOPTIONS) & Sci::SC_DOCUMENTOPTION_STYLES_NONE);
+    job->loader.emplace(view_, doc.size() - length + with.size(), styled);
+    QByteArray replacement = with.toByteArray(); // owned by the work, which may outlive this call
+    auto work = [job, doc, offset, length, replacement] {
+        ViewLoader& l = *job->loader;
+        const qsizetype total = doc.size() - length + replacement.size();
+        std::atomic<int>* p = &job->percent;
+        const auto share = [&](qsizetype n) { return int(100.0 * double(n) / double(total)); };
+        const int a = share(offset), b = share(offset + replacement.size());
+        job->built = l.add(doc.first(offset), &job->cancelled, p, 0, a) &&
+                     l.add(replacement, &job->cancelled, p, a, b) &&
+                     l.add(doc.sliced(offset + length), &job->cancelled, p, b, 100);
+    };
+    busy_->run(QStringLiteral("Working on the document..."), work, job, false);
+    if (!job->built) {
+        // No room for a second document: change the view itself, slowly.
+        BusyWork* busy = std::exchange(busy_, nullptr);
+        replaceBytes(offset, length, replacement);
+        busy_ = busy;
+        return true;
+    }
+    QByteArray removed;
+    if (reporting_)
+        removed = doc.sliced(offset, length).toByteArray();
+    swapDocument(job->loader->takeDocument());
+    // The selection moves as the view would have moved it.
+    const auto moved = [&](qsizetype at) {
+        return at <= offset            ? at
+               : at >= offset + length ? at - length + replacement.size()
+                                       : offset + replacement.size();
+    };
+    const Selection sel = selectionBytes();
+    send(Sci::SCI_SETSEL, ulong(moved(sel.anchor)), long(moved(sel.caret)));
+    ++changes_;
+    if (reporting_)
+        emit changed(offset, removed, replacement, false);
+    return true;
+}
+
+void ScintillaEditControl::swapDocument(void* doc) {
+    if (!doc)
+        return;
+    const long top = send(Sci::SCI_GETFIRSTVISIBLELINE);
+    const long x = send(Sci::SCI_GETXOFFSET);
+    pending_.reset();
+    own_ = true;
+    send(Sci::SCI_SETDOCPOINTER, 0, reinterpret_cast<long>(doc));
+    send(Sci::SCI_RELEASEDOCUMENT, 0, reinterpret_cast<long>(doc));
+    own_ = false;
+    prepareView();
+    applyWrap();
+    send(Sci::SCI_SETFIRSTVISIBLELINE, ulong(top));
+    send(Sci::SCI_SETXOFFSET, ulong(x));
+}
+
+bool ScintillaEditControl::replaceHistoryBytes(qsizetype offset, qsizetype length,
                                                QByteArrayView with) {
     // What the history puts back may be a piece of the document itself.
     const QByteArrayView doc = bytes();
     if (with.data() >= doc.data() && with.data() < doc.data() + doc.size())
-        replaceBytes(offset, length, with.toByteArray());
-    else
-        replaceBytes(offset, length, with);
+        return replaceBytes(offset, length, with.toByteArray());
+    return replaceBytes(offset, length, with);
 }
 
 void ScintillaEditControl::restoreHistoryStyles(const StyleSnapshot& styles) {
@@ -298,26 +375,12 @@ void ScintillaEditControl::ensureStyles(bool keepText) {
     if (!(send(Sci::SCI_GETDOCUMENTOPTIONS) & Sci::SC_DOCUMENTOPTION_STYLES_NONE))
         return;
     const Selection sel = selectionBytes();
-    const long top = send(Sci::SCI_GETFIRSTVISIBLELINE);
-    const long x = send(Sci::SCI_GETXOFFSET);
     ViewLoader loader(view_, keepText ? byteLength() : 0, true);
     if (keepText)
         loader.add(bytes());
-    void* doc = loader.takeDocument();
-    if (!doc)
-        return;
-    pending_.reset();
-    own_ = true;
-    send(Sci::SCI_SETDOCPOINTER, 0, reinterpret_cast<long>(doc));
-    send(Sci::SCI_RELEASEDOCUMENT, 0, reinterpret_cast<long>(doc));
-    own_ = false;
-    prepareView();
-    applyWrap();
-    if (keepText) {
+    swapDocument(loader.takeDocument());
+    if (keepText)
         send(Sci::SCI_SETSEL, ulong(sel.anchor), long(sel.caret));
-        send(Sci::SCI_SETFIRSTVISIBLELINE, ulong(top));
-        send(Sci::SCI_SETXOFFSET, ulong(x));
-    }
 }
 
 void ScintillaEditControl::adopt(ViewLoader&& loaded) {

@@ -21,6 +21,7 @@ class QsciScintillaBase;
 
 namespace ed {
 
+class BusyWork;
 class ViewStyles;
 
 class ScintillaEditControl : public QObject,
@@ -59,7 +60,11 @@ public:
     QByteArrayView bytes() const;
     qsizetype byteLength() const;
     // Replaces `length` bytes at `offset` by `with` (a whole UTF-8 text), reported by `changed`.
-    void replaceBytes(qsizetype offset, qsizetype length, QByteArrayView with);
+    // A change of megabytes in a plain document is built into a new document on a worker under
+    // the busy indicator (see setBusyWork). Always true: nothing here can be cancelled.
+    bool replaceBytes(qsizetype offset, qsizetype length, QByteArrayView with);
+    // Where large changes run; without it, everything is changed on the window's thread.
+    void setBusyWork(BusyWork* busy) { busy_ = busy; }
     qsizetype byteOffset(qsizetype modelPos) const;
     qsizetype modelPosition(qsizetype byteOffset) const;
     void setCaretByte(qsizetype offset);
@@ -88,7 +93,7 @@ public:
 
     // HistoryTarget
     QByteArrayView historyBytes() const override { return bytes(); }
-    void replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) override;
+    bool replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) override;
     void placeHistoryCaret(qsizetype offset) override { setCaretByte(offset); }
     void restoreHistoryStyles(const StyleSnapshot& styles) override;
 
@@ -118,6 +123,11 @@ private:
     // Gives the document a style byte per text byte if it has none, with its text when `keepText`
     // (else empty).
     void ensureStyles(bool keepText);
+    // Shows `doc` (a document pointer from a ViewLoader) in place of the current document,
+    // keeping the selection and the scrolling.
+    void swapDocument(void* doc);
+    // replaceBytes through a document built on a worker.
+    bool replaceOnWorker(qsizetype offset, qsizetype length, QByteArrayView with);
     void steadyCaretOnLongLines();
     long send(unsigned msg, unsigned long w = 0, long l = 0) const;
     // Runs `change` on the formats of the bytes [start, start + length) as one undoable step.
@@ -129,6 +139,7 @@ private:
     QByteArray beforeDelete_;          // what a deletion the view is about to make removes
     bool own_ = false;                 // the change under way comes from this adapter
     bool reporting_ = true;
+    BusyWork* busy_ = nullptr;
     bool wrapWanted_ = true;
     int blinkMs_ = 500;
     quint64 changes_ = 0;

@@ -81,27 +81,36 @@ bool UndoHistory::step(bool undo) {
     };
     replaying_ = true;
     qsizetype caret = -1;
+    bool cancelled = false;
     const auto apply = [&](const ByteChange& c) {
         if (!fits(c))
             return false;
         const QByteArray& gone = undo ? c.inserted : c.removed;
         const QByteArray& back = undo ? c.removed : c.inserted;
-        if (!gone.isEmpty() || !back.isEmpty())
-            target_.replaceHistoryBytes(c.offset, gone.size(), back);
+        if ((!gone.isEmpty() || !back.isEmpty()) &&
+            !target_.replaceHistoryBytes(c.offset, gone.size(), back)) {
+            cancelled = true;
+            return false;
+        }
         if (const auto& styles = undo ? c.stylesBefore : c.stylesAfter)
             target_.restoreHistoryStyles(*styles);
         caret = c.offset;
         return true;
     };
     bool ok = true;
+    size_t applied = 0;
     if (undo) {
-        for (auto it = s.changes.rbegin(); ok && it != s.changes.rend(); ++it)
+        for (auto it = s.changes.rbegin(); ok && it != s.changes.rend(); ++it, ++applied)
             ok = apply(*it);
     } else {
-        for (auto it = s.changes.begin(); ok && it != s.changes.end(); ++it)
+        for (auto it = s.changes.begin(); ok && it != s.changes.end(); ++it, ++applied)
             ok = apply(*it);
     }
     replaying_ = false;
+    if (cancelled && applied == 1) { // cancelled before anything changed: the step stays
+        from.push_back(std::move(s));
+        return false;
+    }
     if (!ok) {
         clear();
         return false;

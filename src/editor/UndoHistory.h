@@ -25,8 +25,9 @@ class HistoryTarget {
 public:
     virtual ~HistoryTarget() = default;
     virtual QByteArrayView historyBytes() const = 0;
-    // Replaces `length` bytes at `offset` by `with`; this change is not reported back.
-    virtual void replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) = 0;
+    // Replaces `length` bytes at `offset` by `with`; this change is not reported back. False when
+    // the person cancelled a change that took long: nothing changed.
+    virtual bool replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) = 0;
     // The caret goes to `offset` with nothing selected.
     virtual void placeHistoryCaret(qsizetype offset) = 0;
     // Puts the character formats of a stretch back as they were.
@@ -60,9 +61,9 @@ public:
     void close();
 
     // Takes back the latest step (or does again the latest undone one), then puts the caret at
-    // the start of the changed part. False when there is nothing to do, or when the document no
-    // longer fits the history (it was changed without being recorded): the history is then
-    // emptied.
+    // the start of the changed part. False when there is nothing to do, when the person cancelled
+    // (the step stays where it was), or when the document no longer fits the history (it was
+    // changed without being recorded): the history is then emptied.
     bool undo();
     bool redo();
 

@@ -25,10 +25,14 @@ public:
         history->record(ByteChange{at, removed, with, {}, {}}, typed, ms);
     }
     QByteArrayView historyBytes() const override { return text; }
-    void replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) override {
+    bool cancelNext = false;
+    bool replaceHistoryBytes(qsizetype offset, qsizetype length, QByteArrayView with) override {
+        if (std::exchange(cancelNext, false))
+            return false;
         text.replace(offset, length, with.toByteArray());
         // The history ignores what its own replay reports.
         history->record(ByteChange{offset, {}, "noise", {}, {}}, false);
+        return true;
     }
     void placeHistoryCaret(qsizetype offset) override { caret = offset; }
     void restoreHistoryStyles(const StyleSnapshot& s) override {
@@ -66,6 +70,12 @@ TEST(UndoHistory, CommandsAreStepsManyLevelsDeep) {
     ASSERT_TRUE(f.history.redo());
     EXPECT_EQ(f.doc.text, "ONE \xc3\xa9 3");
     EXPECT_FALSE(f.history.redo());
+
+    // A cancelled undo leaves the document and the step where they were.
+    f.doc.cancelNext = true;
+    EXPECT_FALSE(f.history.undo());
+    EXPECT_EQ(f.doc.text, "ONE \xc3\xa9 3");
+    EXPECT_EQ(f.history.undoCount(), 2);
 
     // A new change forgets what could be redone.
     ASSERT_TRUE(f.history.undo());
