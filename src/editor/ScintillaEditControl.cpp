@@ -387,15 +387,11 @@ void ScintillaEditControl::adopt(ViewLoader&& loaded) {
     void* doc = loaded.takeDocument();
     if (!doc)
         return;
-    pending_.reset();
-    own_ = true;
-    send(Sci::SCI_SETDOCPOINTER, 0, reinterpret_cast<long>(doc));
-    send(Sci::SCI_RELEASEDOCUMENT, 0, reinterpret_cast<long>(doc));
-    own_ = false;
-    prepareView();
+    swapDocument(doc);
     if (styles_->isRich()) // the new document has no formats of its own
         styles_->clearFormatting(styles_->documentFont());
-    applyWrap();
+    send(Sci::SCI_SETFIRSTVISIBLELINE, 0);
+    send(Sci::SCI_SETXOFFSET, 0);
     ++changes_;
     setCaretByte(0);
     emit replaced();
