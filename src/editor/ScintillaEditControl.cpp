@@ -91,7 +91,6 @@ void ScintillaEditControl::prepareView() {
     send(Sci::SCI_EMPTYUNDOBUFFER);
     send(Sci::SCI_SETMODEVENTMASK,
          Sci::SC_MOD_INSERTTEXT | Sci::SC_MOD_DELETETEXT | Sci::SC_MOD_BEFOREDELETE);
-    send(Sci::SCI_ALLOCATELINECHARACTERINDEX, Sci::SC_LINECHARACTERINDEX_UTF16);
 }
 
 void ScintillaEditControl::modified(int position, int type, const char* text, int length) {
@@ -282,9 +281,23 @@ void ScintillaEditControl::replaceRange(int start, int length, const QString& re
     replaceBytes(from, to - from, toModelUtf8(replacement));
 }
 
+// The view's UTF-16 index of its lines costs a pass over the whole document: it is built when a
+// position is first mapped, not while a document opens.
+void ScintillaEditControl::ensureIndex() const {
+    if (!(send(Sci::SCI_GETLINECHARACTERINDEX) & Sci::SC_LINECHARACTERINDEX_UTF16))
+        send(Sci::SCI_ALLOCATELINECHARACTERINDEX, Sci::SC_LINECHARACTERINDEX_UTF16);
+}
+
+bool ScintillaEditControl::hasIndex() const {
+    return send(Sci::SCI_GETLINECHARACTERINDEX) & Sci::SC_LINECHARACTERINDEX_UTF16;
+}
+
 qsizetype ScintillaEditControl::byteOffset(qsizetype modelPos) const {
     if (modelPos <= 0)
         return 0;
+    if (!hasIndex() && modelPos >= textLength())
+        return byteLength();
+    ensureIndex();
     const long line =
         send(Sci::SCI_LINEFROMINDEXPOSITION, ulong(modelPos), Sci::SC_LINECHARACTERINDEX_UTF16);
     const long lineUnits =
@@ -300,6 +313,11 @@ qsizetype ScintillaEditControl::byteOffset(qsizetype modelPos) const {
 }
 
 qsizetype ScintillaEditControl::modelPosition(qsizetype offset) const {
+    if (offset <= 0)
+        return 0;
+    if (!hasIndex() && offset >= byteLength())
+        return textLength();
+    ensureIndex();
     const long line = send(Sci::SCI_LINEFROMPOSITION, ulong(offset));
     const long lineStart = send(Sci::SCI_POSITIONFROMLINE, ulong(line));
     return send(Sci::SCI_INDEXPOSITIONFROMLINE, ulong(line), Sci::SC_LINECHARACTERINDEX_UTF16) +
@@ -307,7 +325,15 @@ qsizetype ScintillaEditControl::modelPosition(qsizetype offset) const {
 }
 
 int ScintillaEditControl::textLength() const {
-    return int(modelPosition(byteLength()));
+    // Selecting the whole text (as applying the font does) needs only its length: one quick
+    // count, kept until the next change, rather than the line index.
+    if (hasIndex())
+        return int(modelPosition(byteLength()));
+    if (lengthAt_ != changes_ || length_ < 0) {
+        length_ = utf16Length(bytes());
+        lengthAt_ = changes_;
+    }
+    return int(length_);
 }
 
 // A selection set through this adapter waits until the window's thread is back in its event

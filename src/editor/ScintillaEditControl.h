@@ -67,6 +67,8 @@ public:
     void setBusyWork(BusyWork* busy) { busy_ = busy; }
     qsizetype byteOffset(qsizetype modelPos) const;
     qsizetype modelPosition(qsizetype byteOffset) const;
+    // True once positions have been mapped in this document (its line index exists).
+    bool hasIndex() const;
     void setCaretByte(qsizetype offset);
     qsizetype caretByte() const;
     struct Selection {
@@ -129,6 +131,7 @@ private:
     // replaceBytes through a document built on a worker.
     bool replaceOnWorker(qsizetype offset, qsizetype length, QByteArrayView with);
     void steadyCaretOnLongLines();
+    void ensureIndex() const;
     long send(unsigned msg, unsigned long w = 0, long l = 0) const;
     // Runs `change` on the formats of the bytes [start, start + length) as one undoable step.
     template <class F> void changeFormats(qsizetype start, qsizetype length, F change);
@@ -143,6 +146,8 @@ private:
     bool wrapWanted_ = true;
     int blinkMs_ = 500;
     quint64 changes_ = 0;
+    mutable qsizetype length_ = -1; // textLength() as counted at change number lengthAt_
+    mutable quint64 lengthAt_ = 0;
 };
 
 } // namespace ed

@@ -39,7 +39,14 @@ void StatusFields::showCaret() {
     const long to = long(sel.end());
     const long breaks = view->SendScintilla(Sci::SCI_LINEFROMPOSITION, to) -
                         view->SendScintilla(Sci::SCI_LINEFROMPOSITION, from);
-    const long selected = edit_.modelPosition(to) - edit_.modelPosition(from) - breaks;
+    // Before anything maps positions the view has no line index: a small selection is counted
+    // as it is, so that moving the caret never builds the index of a large document.
+    long units;
+    if (!edit_.hasIndex() && to - from < (1 << 20))
+        units = view->SendScintilla(Sci::SCI_COUNTCODEUNITS, from, to);
+    else
+        units = long(edit_.modelPosition(to) - edit_.modelPosition(from));
+    const long selected = units - breaks;
     position_->setText(tr("Ln %1, Col %2").arg(line + 1).arg(column + 1));
     selection_->setText(tr("Sel %1").arg(selected));
 }

@@ -22,17 +22,24 @@ constexpr qsizetype kChunk = qsizetype(1) << 20;
 constexpr int kStatusOk = 0; // SC_STATUS_OK
 } // namespace
 
-ViewLoader::ViewLoader(QsciScintillaBase* view, qsizetype sizeHint, bool withStyles) {
-    const long options = withStyles ? QsciScintillaBase::SC_DOCUMENTOPTION_DEFAULT
-                                    : QsciScintillaBase::SC_DOCUMENTOPTION_STYLES_NONE;
-    loader_ = reinterpret_cast<Loader*>(view->SendScintilla(
-        QsciScintillaBase::SCI_CREATELOADER, static_cast<unsigned long>(sizeHint), options));
-    failed_ = loader_ == nullptr;
-}
+ViewLoader::ViewLoader(QsciScintillaBase* view, qsizetype sizeHint, bool withStyles)
+    : view_(view), sizeHint_(sizeHint), withStyles_(withStyles) {}
 
 ViewLoader::ViewLoader(ViewLoader&& other) noexcept
-    : loader_(other.loader_), failed_(other.failed_) {
+    : view_(other.view_), sizeHint_(other.sizeHint_), withStyles_(other.withStyles_),
+      loader_(other.loader_), failed_(other.failed_) {
     other.loader_ = nullptr;
+}
+
+bool ViewLoader::make() {
+    if (loader_ || failed_)
+        return !failed_;
+    const long options = withStyles_ ? QsciScintillaBase::SC_DOCUMENTOPTION_DEFAULT
+                                     : QsciScintillaBase::SC_DOCUMENTOPTION_STYLES_NONE;
+    loader_ = reinterpret_cast<Loader*>(view_->SendScintilla(
+        QsciScintillaBase::SCI_CREATELOADER, static_cast<unsigned long>(sizeHint_), options));
+    failed_ = loader_ == nullptr;
+    return !failed_;
 }
 
 ViewLoader::~ViewLoader() {
@@ -42,7 +49,7 @@ ViewLoader::~ViewLoader() {
 
 bool ViewLoader::add(QByteArrayView bytes, const std::atomic<bool>* cancelled,
                      std::atomic<int>* percent, int from, int to) {
-    if (failed_ || !loader_)
+    if (!make())
         return false;
     const qsizetype n = bytes.size();
     for (qsizetype at = 0; at < n; at += kChunk) {
@@ -60,7 +67,7 @@ bool ViewLoader::add(QByteArrayView bytes, const std::atomic<bool>* cancelled,
 }
 
 void* ViewLoader::takeDocument() {
-    if (!loader_ || failed_)
+    if (!make())
         return nullptr;
     void* doc = loader_->ConvertToDocument();
     loader_ = nullptr; // converting released the loader

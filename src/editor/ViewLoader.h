@@ -1,6 +1,6 @@
 #pragma once
-// Builds a document for the QScintilla view away from the window's thread: created on the
-// window's thread, filled with the text on a worker, then shown by the edit control in one step.
+// Builds a document for the QScintilla view away from the window's thread: made and filled with
+// the text on a worker, then shown by the edit control in one step.
 
 #include <QByteArrayView>
 
@@ -12,7 +12,8 @@ namespace ed {
 
 class ViewLoader {
 public:
-    // On the window's thread. `sizeHint` is about how many bytes will come.
+    // On the window's thread. `sizeHint` is about how many bytes will come: the document takes
+    // that much memory (and clears it) when the first bytes come, on the thread that adds them.
     ViewLoader(QsciScintillaBase* view, qsizetype sizeHint, bool withStyles = true);
     ~ViewLoader(); // drops a document that was not taken
     ViewLoader(ViewLoader&& other) noexcept;
@@ -31,6 +32,13 @@ public:
 
 private:
     struct Loader; // the view's loader interface
+    // Asks the view for the loader. Making a loader allocates a new document and touches nothing
+    // else of the view, so it is safe on the worker that fills it.
+    bool make();
+
+    QsciScintillaBase* view_;
+    qsizetype sizeHint_;
+    bool withStyles_;
     Loader* loader_ = nullptr;
     bool failed_ = false;
 };
