@@ -10,8 +10,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
-#include <QSet>
 
 namespace ed {
 
@@ -106,43 +104,6 @@ QString Utility::LoadTextFile(QString fileName) {
             throw RuntimeError(
                 QStringLiteral("Cannot read %1: %2").arg(fileName, f.errorString()).toStdString());
         return decodeText(f.readAll(), nullptr);
-    });
-}
-
-void Utility::WriteTextToFile(QString fileName, QString text, bool append) {
-    trapped(log_, kModule, QStringLiteral("Sub WriteTextToFile"), [&] {
-        if (fileName.isEmpty())
-            throw RuntimeError("Bad file name or number");
-        TextFormat format = defaultTextFormat();
-        if (append) {
-            QFile existing(fileName);
-            if (existing.exists() && existing.open(QIODevice::ReadOnly)) {
-                decodeText(existing.readAll(), &format);
-                if (existing.size() == 0)
-                    format = defaultTextFormat();
-            }
-        }
-        const QByteArray bytes = encodeText(text + QStringLiteral("\r\n"), format);
-        if (append) {
-            QFile f(fileName);
-            if (!f.open(QIODevice::WriteOnly | QIODevice::Append))
-                throw RuntimeError(QStringLiteral("Cannot open %1: %2")
-                                       .arg(fileName, f.errorString())
-                                       .toStdString());
-            if (f.write(bytes) != bytes.size())
-                throw RuntimeError(QStringLiteral("Cannot write %1: %2")
-                                       .arg(fileName, f.errorString())
-                                       .toStdString());
-            return;
-        }
-        QSaveFile f(fileName);
-        if (!f.open(QIODevice::WriteOnly))
-            throw RuntimeError(
-                QStringLiteral("Cannot open %1: %2").arg(fileName, f.errorString()).toStdString());
-        f.write(bytes);
-        if (!f.commit())
-            throw RuntimeError(
-                QStringLiteral("Cannot write %1: %2").arg(fileName, f.errorString()).toStdString());
     });
 }
 
@@ -244,23 +205,6 @@ std::optional<QByteArray> Utility::RemoveRepeatsFromLines(QByteArrayView text) {
                 result = "\r\n"; // nothing kept: one empty line
             return std::optional<QByteArray>(std::move(result));
         });
-}
-
-QStringList Utility::RemoveRepeatsFromArray(const QStringList& lines) {
-    return trappedValue(log_, kModule, QStringLiteral("RemoveRepeatsFromArray"), QStringList(),
-                        [&] {
-                            QSet<QString> seen;
-                            QStringList out;
-                            for (const QString& line : lines) {
-                                if (line.isEmpty() || seen.contains(line))
-                                    continue;
-                                seen.insert(line);
-                                out.push_back(line);
-                            }
-                            if (out.isEmpty())
-                                out.push_back(QString());
-                            return out;
-                        });
 }
 
 } // namespace ed

@@ -30,19 +30,15 @@ public:
 
     bool TestForText(QString fileName);
     QString LoadTextFile(QString fileName);
-    void WriteTextToFile(QString fileName, QString text, bool append);
 
     // A name that does not exist yet, made from `path` by counting up the number before its
     // extension ("Text-0.Txt", "Text-1.Txt", ...).
     QString GetFreeFile(QString path);
     FileSpecParts GetFileSpecParts(QString path);
 
-    // Each distinct string once, first occurrences in order; empty strings are dropped, and an
-    // input that keeps nothing gives one empty string.
-    QStringList RemoveRepeatsFromArray(const QStringList& lines);
-
-    // The same over the lines of a text (model bytes, split at CR LF): the lines kept, each
-    // followed by CR LF. Nothing when it failed (and logged why).
+    // The lines of a text (model bytes, split at CR LF), each distinct line once, first
+    // occurrences in order, empty lines dropped: the lines kept, each followed by CR LF (one
+    // CR LF when nothing is kept). Nothing when it failed (and logged why).
     std::optional<QByteArray> RemoveRepeatsFromLines(QByteArrayView text);
 
 private:

@@ -23,14 +23,9 @@ public:
     struct Events {
         // A frame's document finished loading; `frame` is that frame's document.
         std::function<void(const DocumentRef& frame, QString& url)> documentComplete;
-        // A new browser window was opened; setting `cancel` closes it again.
-        std::function<void(BrowserHandle& window, bool& cancel)> newWindow;
-        // The window went away (closed, or the browser quit).
-        std::function<void()> windowClosing;
         // The connection to the browser ended.
         std::function<void(const QString& reason)> connectionLost;
     };
-    enum class Edge { Top, Left, Width, Height };
 
     virtual ~BrowserPage() = default;
     virtual void setEvents(Events events) = 0;
@@ -40,8 +35,6 @@ public:
     virtual QString mainFrameId() const = 0;
 
     virtual void navigate(const QString& url) = 0;
-    virtual void stopLoading() = 0;
-    virtual void setWindowEdge(Edge edge, int pixels) = 0;
 
     // The top document's frames collection: its length, and the document of frame `index`
     // (throws when there is no such frame or its document cannot be read).

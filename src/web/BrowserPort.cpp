@@ -17,9 +17,8 @@ QString noBrowserMessage(const BrowserPort& browser) {
 namespace web {
 
 DevToolsBrowserPort::DevToolsBrowserPort(AppSettings settings, Logger& log, Clipboard& clipboard,
-                                         Launcher& launcher, FileDialogs* fileDialogs)
-    : settings_(std::move(settings)), log_(log), clipboard_(clipboard), launcher_(launcher),
-      fileDialogs_(fileDialogs), dialUp_(systemDialUp()) {}
+                                         Launcher& launcher, FileDialogs*)
+    : settings_(std::move(settings)), log_(log), clipboard_(clipboard), launcher_(launcher) {}
 
 QString DevToolsBrowserPort::endpointSetting() const {
     return settings_.get(browserSettingsSection(), browserEndpointKey(), defaultEndpointText());
@@ -32,8 +31,6 @@ QString DevToolsBrowserPort::browserPath() const {
 std::unique_ptr<cIEObject> DevToolsBrowserPort::createSession() {
     BrowserServices services(log_, clipboard_, launcher_,
                              std::make_shared<CdpConnector>(endpointSetting(), options_));
-    services.dialUp = dialUp_;
-    services.fileDialogs = fileDialogs_;
     services.browserPath = browserPath();
     services.browserCandidates = browserCandidates;
     services.profileDir = profileDir;

@@ -49,8 +49,9 @@ inline QString browserPathKey() {
 // the browser program named in the settings (read again for every session).
 class DevToolsBrowserPort : public BrowserPort {
 public:
+    // The file dialogs are not used: Save web page asks through the command's own context.
     DevToolsBrowserPort(AppSettings settings, Logger& log, Clipboard& clipboard, Launcher& launcher,
-                        FileDialogs* fileDialogs = nullptr);
+                        FileDialogs* unusedFileDialogs = nullptr);
 
     std::unique_ptr<cIEObject> createSession() override;
     QString endpointDescription() const override;
@@ -72,9 +73,7 @@ private:
     Logger& log_;
     Clipboard& clipboard_;
     Launcher& launcher_;
-    FileDialogs* fileDialogs_;
     CdpOptions options_;
-    std::shared_ptr<DialUpConnections> dialUp_;
 };
 
 } // namespace web

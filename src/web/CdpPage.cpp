@@ -48,7 +48,6 @@ CdpPage::CdpPage(const BrowserHandle& window, const Endpoint& endpoint, const Cd
                             const QString& sessionId) { onEvent(method, params, sessionId); });
     QObject::connect(client_.get(), &CdpClient::connectionLost, client_.get(),
                      [this](const QString& reason) {
-                         raiseClosing();
                          if (events_.connectionLost)
                              events_.connectionLost(reason);
                      });
@@ -66,11 +65,9 @@ CdpPage::CdpPage(const BrowserHandle& window, const Endpoint& endpoint, const Cd
                   {{QStringLiteral("autoAttach"), true},
                    {QStringLiteral("waitForDebuggerOnStart"), true},
                    {QStringLiteral("flatten"), true}});
-    // The browser names every target that exists already before it answers; only those
-    // created afterwards are new windows.
+    // Frames of other sites that navigate say so through the target events.
     client_->call(QStringLiteral("Target.setDiscoverTargets"),
                   {{QStringLiteral("discover"), true}});
-    discovering_ = true;
 }
 
 CdpPage::~CdpPage() {
@@ -134,13 +131,6 @@ void CdpPage::onEvent(const QString& method, const QJsonObject& params, const QS
         if (info.value(QStringLiteral("type")).toString() == u"iframe")
             frameUrls_.insert(info.value(QStringLiteral("targetId")).toString(),
                               info.value(QStringLiteral("url")).toString());
-    } else if (method == u"Target.targetCreated") {
-        onTargetCreated(params.value(QStringLiteral("targetInfo")).toObject());
-    } else if (method == u"Target.targetDestroyed") {
-        if (params.value(QStringLiteral("targetId")).toString() == handle_.targetId)
-            raiseClosing();
-    } else if (method == u"Inspector.detached" && sessionId.isEmpty()) {
-        raiseClosing();
     }
 }
 
@@ -151,69 +141,12 @@ void CdpPage::onFrameNavigated(const QJsonObject& frame, const QString& sessionI
         mainFrameId_ = id;
 }
 
-void CdpPage::onTargetCreated(const QJsonObject& info) {
-    const QString id = info.value(QStringLiteral("targetId")).toString();
-    if (knownTargets_.contains(id))
-        return;
-    knownTargets_.insert(id);
-    if (!discovering_ || id == handle_.targetId ||
-        info.value(QStringLiteral("type")).toString() != u"page")
-        return;
-    BrowserHandle window;
-    window.targetId = id;
-    window.title = info.value(QStringLiteral("title")).toString();
-    window.url = info.value(QStringLiteral("url")).toString();
-    QUrl ws;
-    ws.setScheme(QStringLiteral("ws"));
-    ws.setHost(endpoint_.host);
-    ws.setPort(endpoint_.port);
-    ws.setPath(QStringLiteral("/devtools/page/") + id);
-    window.webSocketUrl = ws.toString();
-    bool cancel = false;
-    if (events_.newWindow)
-        events_.newWindow(window, cancel);
-    if (cancel && client_->isConnected())
-        client_->post(QStringLiteral("Target.closeTarget"), {{QStringLiteral("targetId"), id}});
-}
-
-void CdpPage::raiseClosing() {
-    if (closingRaised_)
-        return;
-    closingRaised_ = true;
-    if (events_.windowClosing)
-        events_.windowClosing();
-}
-
 void CdpPage::navigate(const QString& url) {
     // The browser answers only once the new page's response is in; the navigation has begun
     // as soon as the main frame starts loading, and that is when the call returns.
     navigationStarted_ = false;
     client_->call(QStringLiteral("Page.navigate"), {{QStringLiteral("url"), url}}, QString(),
                   [this] { return navigationStarted_; });
-}
-
-void CdpPage::stopLoading() {
-    client_->call(QStringLiteral("Page.stopLoading"));
-}
-
-void CdpPage::setWindowEdge(Edge edge, int pixels) {
-    const QJsonObject window = client_->call(QStringLiteral("Browser.getWindowForTarget"),
-                                             {{QStringLiteral("targetId"), handle_.targetId}});
-    const QJsonValue windowId = window.value(QStringLiteral("windowId"));
-    const QString state = window.value(QStringLiteral("bounds"))
-                              .toObject()
-                              .value(QStringLiteral("windowState"))
-                              .toString();
-    if (!state.isEmpty() && state != u"normal")
-        client_->call(QStringLiteral("Browser.setWindowBounds"),
-                      {{QStringLiteral("windowId"), windowId},
-                       {QStringLiteral("bounds"),
-                        QJsonObject{{QStringLiteral("windowState"), QStringLiteral("normal")}}}});
-    static const char* const names[] = {"top", "left", "width", "height"};
-    client_->call(
-        QStringLiteral("Browser.setWindowBounds"),
-        {{QStringLiteral("windowId"), windowId},
-         {QStringLiteral("bounds"), QJsonObject{{QString::fromLatin1(names[int(edge)]), pixels}}}});
 }
 
 CdpPage::World CdpPage::isolatedWorld(const QString& frameId) {

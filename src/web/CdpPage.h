@@ -11,7 +11,6 @@
 #include <QHash>
 #include <QJsonObject>
 #include <QJsonValue>
-#include <QSet>
 
 #include <memory>
 
@@ -30,8 +29,6 @@ public:
     QString mainFrameId() const override { return mainFrameId_; }
 
     void navigate(const QString& url) override;
-    void stopLoading() override;
-    void setWindowEdge(Edge edge, int pixels) override;
 
     int frameCount() override;
     DocumentRef topDocument() override { return {mainFrameId_}; }
@@ -51,8 +48,6 @@ public:
 private:
     void onEvent(const QString& method, const QJsonObject& params, const QString& sessionId);
     void onFrameNavigated(const QJsonObject& frame, const QString& sessionId);
-    void onTargetCreated(const QJsonObject& info);
-    void raiseClosing();
     void rememberFrames(const QJsonObject& tree);
     QJsonObject targetInfo();
 
@@ -82,9 +77,6 @@ private:
     QString mainFrameId_;
     QHash<QString, QString> frameUrls_;     // frame id -> address
     QHash<QString, QString> childSessions_; // frame (target) id -> attached session id
-    QSet<QString> knownTargets_;
-    bool discovering_ = false;
-    bool closingRaised_ = false;
     bool navigationStarted_ = false;
 };
 

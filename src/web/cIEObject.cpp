@@ -88,10 +88,6 @@ void cIEObject::attach(const BrowserHandle& browser) {
     events.documentComplete = [this](const DocumentRef& frame, QString& url) {
         onDocumentComplete(frame, url);
     };
-    events.newWindow = [this](BrowserHandle& window, bool& cancel) {
-        emit NewWindow2(window, cancel);
-    };
-    events.windowClosing = [this] { emit WindowClosing(); };
     events.connectionLost = [this](const QString& reason) {
         connectionLost_ = true;
         connectionLostReason_ = reason;
@@ -122,42 +118,6 @@ void cIEObject::onDocumentComplete(const DocumentRef& frame, QString& url) {
         }
         emit DocumentComplete(frame, url);
     });
-}
-
-void cIEObject::IEStop() {
-    if (!initialized_)
-        return;
-    trapped(services_.log, kModule, QStringLiteral("Sub IEStop"), [&] { page().stopLoading(); });
-}
-
-void cIEObject::setEdge(const char* label, BrowserPage::Edge edge, qint32 value) {
-    if (!initialized_)
-        return;
-    trapped(services_.log, kModule, QString::fromLatin1(label),
-            [&] { page().setWindowEdge(edge, value); });
-}
-
-void cIEObject::IETop(qint32 value) {
-    setEdge("Sub IETop", BrowserPage::Edge::Top, value);
-}
-void cIEObject::IEHeight(qint32 value) {
-    setEdge("Sub IEHeight", BrowserPage::Edge::Height, value);
-}
-void cIEObject::IELeft(qint32 value) {
-    setEdge("Sub IELeft", BrowserPage::Edge::Left, value);
-}
-void cIEObject::IEWidth(qint32 value) {
-    setEdge("Sub IEWidth", BrowserPage::Edge::Width, value);
-}
-
-void cIEObject::HangUpModem() {
-    if (!services_.dialUp)
-        return;
-    const auto connections = services_.dialUp->activeConnections();
-    if (!connections)
-        return;
-    for (const QString& connection : *connections)
-        services_.dialUp->hangUp(connection);
 }
 
 QString cIEObject::InternetExplorerPath() const {
@@ -213,10 +173,6 @@ BrowserHandle cIEObject::GetActiveBrowser(bool launchIfNone) {
                             }
                             return found;
                         });
-}
-
-void cIEObject::CancelWait() {
-    mbCancelWait_ = true;
 }
 
 void cIEObject::NavigateToUrl(const QString& url, bool wait) {

@@ -1,9 +1,9 @@
 #pragma once
 // cIEObject: the program's session with a browser window. It finds the active browser window
-// (or starts a browser), navigates it, waits for pages, moves and sizes its window, stops it,
-// hangs up dial-up connections, and reads what the page shows (HTML, text, links, frames,
-// address, title, the selection). Every procedure traps its own errors and reports them to the
-// logger under module "cIEObject"; a caller sees an empty or false result, never an exception.
+// (or starts a browser), navigates it, waits for pages, and reads what the page shows (HTML,
+// text, links, address, title, the selection, e-mail addresses and phone numbers). Every procedure
+// traps its own errors and reports them to the logger under module "cIEObject"; a caller sees an
+// empty or false result, never an exception.
 //
 // Commands use one object per command: GetActiveBrowser(false), InitializeObject with the
 // result, one operation, then the object is destroyed.
@@ -11,7 +11,6 @@
 #include "app/Ports.h"
 #include "web/BrowserPage.h"
 #include "web/BrowserTypes.h"
-#include "web/DialUp.h"
 
 #include <QObject>
 #include <QString>
@@ -39,9 +38,7 @@ struct BrowserServices {
     Clipboard& clipboard;
     Launcher& launcher; // starts the browser; hands "mailto:" texts to the desktop
     std::shared_ptr<BrowserConnector> connector;
-    std::shared_ptr<DialUpConnections> dialUp; // none: Hang Up Modem does nothing
-    FileDialogs* fileDialogs = nullptr;        // the Save As dialog of Save Web Page
-    QString browserPath;                       // the "Browser Path" setting ("" = look around)
+    QString browserPath; // the "Browser Path" setting ("" = look around)
     QStringList browserCandidates = defaultBrowserCandidates();
     QString profileDir = defaultProfileDir();
     QStringList extraLaunchArguments; // put before the standard ones
@@ -60,12 +57,6 @@ public:
     bool Initialized() const { return initialized_; }
     // Attaches to `browser`, or to GetActiveBrowser(false) when it is empty. Returns Initialized.
     bool InitializeObject(const BrowserHandle& browser = BrowserHandle());
-    void IEStop();
-    void IETop(qint32 value);
-    void IEHeight(qint32 value);
-    void IELeft(qint32 value);
-    void IEWidth(qint32 value);
-    void HangUpModem();
     QString InternetExplorerPath() const;
     void setInternetExplorerPath(const QString& path) { msIEPath_ = path; }
     // What a browser started from InternetExplorerPath gets on its command line so that it
@@ -75,10 +66,9 @@ public:
     // The endpoint's first browser window; with `launchIfNone` a browser is started when there
     // is none and waited for. Empty when there is no window.
     BrowserHandle GetActiveBrowser(bool launchIfNone = false);
-    void CancelWait();
     // Sends the browser to `url` ("http://" put in front of a bare host name); a prefix-less text
     // holding "@" goes to the mail program instead. With `wait`, returns when the page has
-    // loaded, CancelWait was called or the wait cap passed; the window keeps working meanwhile.
+    // loaded or the wait cap passed; the window keeps working meanwhile.
     void NavigateToUrl(const QString& url, bool wait);
     // The browser's own Navigate: sends the attached window to `address` (see browserAddress)
     // without waiting and without a trap of its own, so a failure reaches the caller.
@@ -86,13 +76,6 @@ public:
 
     // --- page content ---
     qint32 IsThisEmailOrLink(const QString& text, bool checkProtocol);
-    QString GetHTMLFromAllFrames();
-    QString GetTextFromAllFrames();
-    QStringList GetLinksOnAllFrames(bool topDocumentOnly);
-    // The number of frames minus 1: -1 for a page without frames.
-    qint32 FrameCount();
-    // Frame `index` while index < FrameCount(), else empty.
-    DocumentRef GetFrame(qint32 index);
     QStringList GetLinksOnWebPage(const DocumentRef& document = DocumentRef());
     QString GetBrowserText(const DocumentRef& document = DocumentRef());
     QString GetBrowserHTML(const DocumentRef& document = DocumentRef());
@@ -100,7 +83,6 @@ public:
     QString GetSiteTitle(bool fromHtml);
     QString StripHtml(const QString& text);
     QString CopySelection();
-    void SaveWebPage();
     // The page as a single-file web archive with its frames and resources (MHTML), or the top
     // document's current HTML as UTF-8; without a trap of its own, so a failure reaches the
     // caller.
@@ -123,18 +105,12 @@ signals:
     // A frame's document finished loading; `pDisp` is that document (the top document when
     // its frame id is the browser's own name). Connect directly: the arguments are references.
     void DocumentComplete(const ed::web::DocumentRef& pDisp, QString& URL);
-    // A new browser window opened; setting `Cancel` closes it.
-    void NewWindow2(ed::web::BrowserHandle& ppDisp, bool& Cancel);
-    // The browser window closed or the browser quit.
-    void WindowClosing();
 
 private:
     void attach(const BrowserHandle& browser);
     void onDocumentComplete(const DocumentRef& frame, QString& url);
     BrowserHandle findFirstPage();
     void launchBrowser();
-    void setEdge(const char* label, BrowserPage::Edge edge, qint32 value);
-    QString propertyFromAllFrames(const char* label, bool html);
     // Reads every document of the page (frames at any depth) with `read`, in order; frames
     // that cannot be read are passed over.
     template <class T, class Read> QList<T> readEveryDocument(Read read);

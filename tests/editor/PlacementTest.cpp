@@ -71,17 +71,6 @@ TEST(Placement, RestoresOrCentresAndKeepsTheWindowOnScreen) {
     EXPECT_TRUE(g.maximized);
 }
 
-TEST(Placement, SaveWritesTwipsToTheFormsSection) {
-    Harness h;
-    FakeGeometry g;
-    g.setGeometry(150, 300, 4500, 6000);
-    Placement(h.ctx.settings, h.log).SaveFF(g);
-    EXPECT_EQ(h.setting("frmEdit", "NSWE_W"), "4500");
-    EXPECT_EQ(h.setting("frmEdit", "NSWE_H"), "6000");
-    EXPECT_EQ(h.setting("frmEdit", "NSWE_L"), "150");
-    EXPECT_EQ(h.setting("frmEdit", "NSWE_T"), "300");
-}
-
 TEST(Placement, KeepOnTopTogglesAndSendsTwipsOverFifteen) {
     Harness h;
     FakeGeometry g;

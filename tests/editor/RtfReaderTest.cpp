@@ -161,13 +161,4 @@ const FormatCase kFormatCases[] = {
 INSTANTIATE_TEST_SUITE_P(Formats, RtfFormatTest, ::testing::ValuesIn(kFormatCases),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST(RtfReader, RecognisesRtf) {
-    EXPECT_TRUE(looksLikeRtf("{\\rtf1 x}"));
-    EXPECT_TRUE(looksLikeRtf("\xEF\xBB\xBF \r\n{\\rtf1 x}"));
-    EXPECT_FALSE(looksLikeRtf("{\\rt"));
-    EXPECT_FALSE(looksLikeRtf("plain {\\rtf1"));
-    EXPECT_FALSE(looksLikeRtf(""));
-    EXPECT_EQ(rtfToPlainText("just text"), QString());
-}
-
 } // namespace

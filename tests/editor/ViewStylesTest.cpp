@@ -409,16 +409,4 @@ TEST(RtfWriter, EscapesText) {
     }
 }
 
-TEST(RtfWriter, WritesTablesAndRunFormats) {
-    const QByteArray rtf = writeRtf(contentOf({{"x", fmt("Arial", 11, true, false, true, 0x102030)},
-                                               {"\ny", fmt("Times New Roman", 12)}}));
-    EXPECT_TRUE(rtf.startsWith("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1"));
-    EXPECT_TRUE(
-        rtf.contains("{\\f0\\fnil\\fcharset0 Arial;}{\\f1\\fnil\\fcharset0 Times New Roman;}"));
-    EXPECT_TRUE(rtf.contains("{\\colortbl;\\red16\\green32\\blue48;}"));
-    EXPECT_TRUE(rtf.contains("\\plain\\f0\\fs22\\b\\ul\\cf1 x\\par"));
-    EXPECT_TRUE(rtf.contains("\\plain\\f1\\fs24 y\\par"));
-    EXPECT_TRUE(rtf.endsWith("}"));
-}
-
 } // namespace

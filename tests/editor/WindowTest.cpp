@@ -276,19 +276,4 @@ TEST_F(WindowTest, LongOpenCanBeCancelledAndLeavesTheDocumentAndItsName) {
     EXPECT_EQ(read("big.txt"), big + "\r\n");
 }
 
-TEST_F(WindowTest, UndoAndRedoOfALargeStepAreOneReplacementEach) {
-    openFile("big.txt", numberedLines(80000, "entry number "));
-    const QString before = edit().text();
-    dialogs_.answers = {"> "};
-    run("mnuAddPrefix");
-    const QString prefixed = edit().text();
-    ASSERT_NE(prefixed, before);
-    run("mnuUndo");
-    EXPECT_EQ(edit().text(), before);
-    run("mnuRedo");
-    EXPECT_EQ(edit().text(), prefixed);
-    EXPECT_TRUE(enabled("mnuUndo"));
-    EXPECT_FALSE(enabled("mnuRedo"));
-}
-
 } // namespace

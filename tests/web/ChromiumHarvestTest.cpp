@@ -72,12 +72,7 @@ protected:
         cIEObject ie(services);
         ASSERT_TRUE(ie.InitializeObject());
         // The top document completes once its frames have loaded.
-        const QString main = ie.browser().targetId;
-        QObject::connect(&ie, &cIEObject::DocumentComplete, [&](const DocumentRef& d, QString&) {
-            if (d.frameId == main)
-                ie.CancelWait();
-        });
-        ie.NavigateToUrl(server_->url(path), true);
+        EXPECT_TRUE(test::loadPage(ie, server_->url(path)));
         EXPECT_TRUE(log.errors.empty());
     }
 

@@ -34,6 +34,18 @@ void killGroup(QProcess& process) {
 }
 } // namespace
 
+bool loadPage(web::cIEObject& session, const QString& url) {
+    const QString main = session.browser().targetId;
+    bool loaded = false;
+    const auto c =
+        QObject::connect(&session, &web::cIEObject::DocumentComplete,
+                         [&](const web::DocumentRef& d, QString&) { loaded |= d.frameId == main; });
+    session.NavigateToUrl(url, false);
+    web::waitUntil([&] { return loaded; }, 15000, 20);
+    QObject::disconnect(c);
+    return loaded;
+}
+
 QString testChromiumPath() {
     const QString set = qEnvironmentVariable("EDITOR_TEST_CHROMIUM");
     return set.isEmpty() ? QStringLiteral("/usr/bin/chromium") : set;

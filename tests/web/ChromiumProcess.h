@@ -4,6 +4,7 @@
 
 #include "app/SystemPorts.h"
 #include "web/Endpoint.h"
+#include "web/cIEObject.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -17,6 +18,10 @@ namespace ed::test {
 QString testChromiumPath();
 // A loopback port nothing listens on right now.
 quint16 freeLoopbackPort();
+
+// Sends `session` to `url` and waits, the event loop running, until its top document has
+// loaded, whatever its frames do first. False when it has not within 15 s.
+bool loadPage(web::cIEObject& session, const QString& url);
 
 class ChromiumProcess {
 public:

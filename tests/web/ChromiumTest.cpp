@@ -1,10 +1,8 @@
 // The browser session and the browser commands against a real headless Chromium, each way the
-// program talks to it once: loading and reading pages and their frames (same site, another site,
-// frameset, local files), a saved archive, window bounds, stop, new and closed windows, a browser
+// program talks to it once: loading and reading a page, every frame's load reported, a browser
 // killed during a wait, the batch runner, the site-list walk on the window's own timer, a walk
 // and a search that start their browser first, and the Web menu's Navigate to, Search Google and
-// Save web page. All suites named Chromium* run in one process, one after
-// another.
+// Save web page. All suites named Chromium* run in one process, one after another.
 
 #include "ChromiumProcess.h"
 #include "SteppedSiteTimer.h"
@@ -15,21 +13,16 @@
 #include "editor/MenuTable.h"
 #include "editor/ScintillaEditControl.h"
 #include "web/BrowserPort.h"
-#include "web/CdpClient.h"
 #include "web/CdpConnector.h"
 #include "web/Discovery.h"
 #include "web/SiteList.h"
 #include "web/WaitLoop.h"
-#include "web/WebSocketTransport.h"
 #include "web/cIEObject.h"
 
 #include <QAction>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
-#include <QNetworkReply>
 #include <QTimer>
 
 #include <algorithm>
@@ -40,29 +33,6 @@ using namespace ed;
 using namespace ed::web;
 
 namespace {
-
-const QByteArray kFrameA = "<html><head></head><body>Frame A <a href=\"http://a1.example/\">1</a>"
-                           "<a href=\"http://a2.example/\">2</a></body></html>";
-const QByteArray kFrameB = "<html><head></head><body>Frame B <a href=\"http://b1.example/\">1</a>"
-                           "</body></html>";
-
-QString innerHtml(const QByteArray& page) {
-    const QString s = QString::fromUtf8(page);
-    return s.mid(6, s.size() - 6 - 7); // without <html> and </html>
-}
-
-// "PUT /json/new?..." opens a window, "GET /json/close/<id>" closes one.
-void endpointRequest(const Endpoint& endpoint, const QString& pathAndQuery, bool put) {
-    QNetworkAccessManager manager;
-    manager.setProxy(QNetworkProxy::NoProxy);
-    QUrl url = endpoint.httpUrl(pathAndQuery.section(u'?', 0, 0));
-    if (pathAndQuery.contains(u'?'))
-        url.setQuery(pathAndQuery.section(u'?', 1));
-    QNetworkRequest request(url);
-    std::unique_ptr<QNetworkReply> reply(put ? manager.put(request, QByteArray())
-                                             : manager.get(request));
-    waitUntil([&] { return reply->isFinished(); }, 5000);
-}
 
 // What the browser's first window shows; "" when it does not answer.
 QString shownUrl(const Endpoint& endpoint) {
@@ -96,16 +66,8 @@ BrowserServices servicesFor(Ports& p, const QString& endpoint) {
     return services;
 }
 
-// Navigates and waits until the top document has loaded, whatever its frames do first.
 void load(cIEObject& ie, const QString& url) {
-    const QString main = ie.browser().targetId;
-    const auto c =
-        QObject::connect(&ie, &cIEObject::DocumentComplete, [&](const DocumentRef& d, QString&) {
-            if (d.frameId == main)
-                ie.CancelWait();
-        });
-    ie.NavigateToUrl(url, true);
-    QObject::disconnect(c);
+    ASSERT_TRUE(test::loadPage(ie, url));
 }
 
 class ChromiumSession : public ::testing::Test {
@@ -113,20 +75,14 @@ protected:
     static void SetUpTestSuite() {
         browser_ = std::make_unique<test::ChromiumProcess>();
         server_ = std::make_unique<test::TestHttpServer>();
-        files_ = std::make_unique<QTemporaryDir>();
         test::TestHttpServer& s = *server_;
         s.serve("/plain.html", "<html><head><title>Home</title></head><body><p>Plain "
                                "page</p></body></html>");
-        s.serve("/a.html", kFrameA);
-        s.serve("/b.html", kFrameB);
-        s.serve("/one.html", "<html><body>One <iframe src=\"a.html\"></iframe></body></html>");
+        s.serve("/a.html", "<html><body>Frame A</body></html>");
+        s.serve("/b.html", "<html><body>Frame B</body></html>");
         s.serve("/two.html", ("<html><body>Two <iframe src=\"a.html\"></iframe><iframe src=\"" +
                               s.otherSiteUrl("/b.html") + "\"></iframe></body></html>")
                                  .toUtf8());
-        s.serve("/frameset.html", ("<html><frameset cols=\"50%,50%\"><frame src=\"a.html\">"
-                                   "<frame src=\"" +
-                                   s.otherSiteUrl("/b.html") + "\"></frameset></html>")
-                                      .toUtf8());
         s.serve("/links.html", "<html><head><title>Links</title></head><body>"
                                "<a href=\"http://one.example/x\">one</a> "
                                "<a href=\"mailto:joe@example.com\">mail</a> "
@@ -139,28 +95,15 @@ protected:
                     .toUtf8());
         for (const char* page : {"/1.html", "/2.html", "/3.html"})
             s.serve(page, QByteArray("<html><body>Page ") + page + "</body></html>");
-        test::TestHttpServer::Answer never;
-        never.never = true;
-        s.serve("/slow.html", never);
-        test::writeFile(files_->path() + "/a.html", kFrameA);
-        test::writeFile(files_->path() + "/b.html", kFrameB);
-        test::writeFile(files_->path() + "/index.html",
-                        "<html><body><iframe src=\"a.html\"></iframe><iframe src=\"b.html\">"
-                        "</iframe></body></html>");
     }
     static void TearDownTestSuite() {
         browser_.reset();
         server_.reset();
-        files_.reset();
     }
 
     void SetUp() override {
         if (!browser_->problem().isEmpty())
             GTEST_SKIP() << browser_->problem().toStdString();
-        // A test may have closed the window; the others need one.
-        const auto pages = listPages(browser_->endpoint(), 3000);
-        if (!pages || pages->empty())
-            endpointRequest(browser_->endpoint(), "/json/new?about:blank", true);
         ie_ = std::make_unique<cIEObject>(servicesFor(ports_, endpoint()));
         ASSERT_TRUE(ie_->InitializeObject());
     }
@@ -174,7 +117,6 @@ protected:
 
     inline static std::unique_ptr<test::ChromiumProcess> browser_;
     inline static std::unique_ptr<test::TestHttpServer> server_;
-    inline static std::unique_ptr<QTemporaryDir> files_;
     Ports ports_;
     std::unique_ptr<cIEObject> ie_;
 };
@@ -184,44 +126,11 @@ TEST_F(ChromiumSession, APageWithoutFramesIsReadOnceItHasLoaded) {
     clock.start();
     ie_->NavigateToUrl(url("/plain.html"), true);
     EXPECT_LT(clock.elapsed(), 10000) << "the wait ends with the page's own load";
-    EXPECT_EQ(ie_->FrameCount(), -1);
     EXPECT_EQ(ie_->GetBrowserHTML(),
               "<head><title>Home</title></head><body><p>Plain page</p></body>");
-    EXPECT_EQ(ie_->GetTextFromAllFrames(), "Plain page");
+    EXPECT_EQ(ie_->GetBrowserText(), "Plain page");
     EXPECT_EQ(ie_->GetSiteTitle(false), "Home");
     EXPECT_EQ(ie_->GetSiteUrl(), url("/plain.html"));
-}
-
-TEST_F(ChromiumSession, FramesAreReadWhereverTheyComeFrom) {
-    struct Case {
-        QString page;
-        int frameCount;
-        QString html, text;
-    };
-    const QString framesHtml = innerHtml(kFrameA) + innerHtml(kFrameB);
-    // One frame: the top document is read. Two: an iframe of the same site and one of another
-    // site (read in a process of its own), a frameset, and frames of local files.
-    const Case cases[] = {
-        {url("/one.html"), 0, "<head></head><body>One <iframe src=\"a.html\"></iframe></body>",
-         "One "},
-        {url("/two.html"), 1, framesHtml, "Frame A 12Frame B 1"},
-        {url("/frameset.html"), 1, framesHtml, "Frame A 12Frame B 1"},
-        {QUrl::fromLocalFile(files_->path() + "/index.html").toString(), 1, framesHtml,
-         "Frame A 12Frame B 1"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.page.toStdString());
-        load(*ie_, c.page);
-        EXPECT_EQ(ie_->FrameCount(), c.frameCount);
-        EXPECT_EQ(ie_->GetHTMLFromAllFrames(), c.html);
-        EXPECT_EQ(ie_->GetTextFromAllFrames(), c.text);
-        if (c.frameCount == 1) {
-            EXPECT_TRUE(ie_->GetFrame(1).isEmpty()); // every frame but the last is served
-            EXPECT_EQ(ie_->GetLinksOnWebPage(ie_->GetFrame(0)),
-                      (QStringList{"http://a1.example/", "http://a2.example/"}));
-            EXPECT_EQ(ie_->GetLinksOnAllFrames(false), QStringList{"http://b1.example/"});
-        }
-    }
 }
 
 TEST_F(ChromiumSession, EveryFrameReportsItsOwnUrlWhenComplete) {
@@ -242,63 +151,6 @@ TEST_F(ChromiumSession, EveryFrameReportsItsOwnUrlWhenComplete) {
     for (const QString& u : expected)
         EXPECT_TRUE(urls.contains(u))
             << u.toStdString() << " not in " << urls.join(' ').toStdString();
-}
-
-TEST_F(ChromiumSession, WindowBoundsAreSet) {
-    ie_->IETop(40);
-    ie_->IELeft(30);
-    ie_->IEWidth(700);
-    ie_->IEHeight(500);
-    CdpClient probe(std::make_unique<WebSocketTransport>());
-    probe.connectTo(QUrl(ie_->browser().webSocketUrl));
-    const QJsonObject bounds = probe.call("Browser.getWindowForTarget")["bounds"].toObject();
-    EXPECT_EQ(bounds["top"].toInt(), 40);
-    EXPECT_EQ(bounds["left"].toInt(), 30);
-    EXPECT_EQ(bounds["width"].toInt(), 700);
-    EXPECT_EQ(bounds["height"].toInt(), 500);
-}
-
-TEST_F(ChromiumSession, StopEndsALoadThatNeverFinishes) {
-    load(*ie_, url("/plain.html"));
-    bool topComplete = false;
-    const QString main = ie_->browser().targetId;
-    QObject::connect(ie_.get(), &cIEObject::DocumentComplete,
-                     [&](const DocumentRef& d, QString&) { topComplete |= d.frameId == main; });
-    ie_->NavigateToUrl(url("/slow.html"), false);
-    waitUntil([&] { return server_->requestsFor("/slow.html") > 0; }, 5000, 20);
-    ie_->IEStop();
-    EXPECT_TRUE(waitUntil([&] { return topComplete; }, 5000));
-    EXPECT_EQ(ie_->GetSiteUrl(), url("/plain.html"));
-}
-
-TEST_F(ChromiumSession, NewWindowsAreReportedAndCanBeCancelled) {
-    QStringList opened;
-    QObject::connect(ie_.get(), &cIEObject::NewWindow2, [&](BrowserHandle& w, bool& cancel) {
-        opened << w.targetId;
-        cancel = true;
-    });
-    endpointRequest(browser_->endpoint(), "/json/new?about:blank", true);
-    ASSERT_TRUE(waitUntil([&] { return !opened.isEmpty(); }, 5000));
-    auto stillThere = [&] {
-        const auto pages = listPages(browser_->endpoint(), 3000);
-        return pages && std::any_of(pages->begin(), pages->end(), [&](const BrowserHandle& p) {
-                   return p.targetId == opened[0];
-               });
-    };
-    EXPECT_TRUE(waitUntil([&] { return !stillThere(); }, 5000, 50));
-}
-
-TEST_F(ChromiumSession, ClosingTheWindowIsReported) {
-    int closing = 0;
-    QObject::connect(ie_.get(), &cIEObject::WindowClosing, [&] { ++closing; });
-    endpointRequest(browser_->endpoint(), "/json/close/" + ie_->browser().targetId, false);
-    EXPECT_TRUE(waitUntil([&] { return closing > 0; }, 5000));
-    EXPECT_EQ(closing, 1);
-    // The object stays attached; using it is an error that is logged.
-    EXPECT_EQ(ie_->GetSiteUrl(), "");
-    ASSERT_EQ(ports_.log.errors.size(), 1u);
-    EXPECT_EQ(ports_.log.errors[0].location, "Function GetSiteUrl");
-    ports_.log.errors.clear();
 }
 
 TEST_F(ChromiumSession, TheBatchRunnerReadsLinksSavesThePageAndFollowsTheSelection) {
@@ -415,8 +267,6 @@ TEST(ChromiumKilled, KillingTheBrowserEndsTheWaitAndIsLogged) {
     Ports ports;
     cIEObject ie(servicesFor(ports, browser.endpointText()));
     ASSERT_TRUE(ie.InitializeObject());
-    int closing = 0;
-    QObject::connect(&ie, &cIEObject::WindowClosing, [&] { ++closing; });
     int ticks = 0;
     QTimer ticker;
     QObject::connect(&ticker, &QTimer::timeout, [&] {
@@ -429,7 +279,6 @@ TEST(ChromiumKilled, KillingTheBrowserEndsTheWaitAndIsLogged) {
     ie.NavigateToUrl(server.url("/slow.html"), true);
     EXPECT_LT(clock.elapsed(), 10000);
     EXPECT_GE(ticks, 5) << "the event loop kept running during the wait";
-    EXPECT_EQ(closing, 1);
     ASSERT_EQ(ports.log.errors.size(), 1u);
     EXPECT_EQ(ports.log.errors[0].location, "Sub NavigateToUrl");
     EXPECT_TRUE(ports.log.errors[0].detail.contains("went away")) << ports.log.errors[0].detail;

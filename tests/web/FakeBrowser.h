@@ -49,8 +49,6 @@ public:
     bool isConnected() const override { return true; }
     QString mainFrameId() const override { return w_->mainFrameId; }
     void navigate(const QString& url) override;
-    void stopLoading() override { check(); }
-    void setWindowEdge(Edge, int) override { check(); }
     int frameCount() override {
         check();
         return int(w_->frames.size());

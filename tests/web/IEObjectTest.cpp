@@ -1,5 +1,5 @@
-// The session object's own logic over a scripted browser: where addresses go, the wait, frames
-// and links with their rules, the browser program and its launch, errors logged with their
+// The session object's own logic over a scripted browser: where addresses go, the wait, the
+// title and tag contents, the browser program and its launch, errors logged with their
 // labels.
 
 #include "FakeBrowser.h"
@@ -57,10 +57,8 @@ TEST(IEObject, WithoutABrowserEverythingIsAQuietNoOp) {
     EXPECT_TRUE(s.ie->GetActiveBrowser(false).isEmpty());
     EXPECT_FALSE(s.ie->InitializeObject());
     s.ie->NavigateToUrl("example.com", true);
-    s.ie->IEStop();
-    EXPECT_EQ(s.ie->FrameCount(), 0);
-    EXPECT_EQ(s.ie->GetHTMLFromAllFrames(), "");
-    EXPECT_TRUE(s.ie->GetLinksOnAllFrames(false).isEmpty());
+    EXPECT_EQ(s.ie->GetBrowserHTML(), "");
+    EXPECT_TRUE(s.ie->GetLinksOnWebPage().isEmpty());
     EXPECT_EQ(s.ie->Get_HtmlTag_Content("<b>", "</b>", "<b>x</b>"), QStringList{">x"});
     EXPECT_TRUE(s.launcher.opened.isEmpty());
     EXPECT_TRUE(s.log.errors.empty());
@@ -85,17 +83,16 @@ TEST(IEObject, AddressesGoToTheBrowserOrAsOneTextToTheMailProgram) {
     EXPECT_EQ(s.labels(), QStringList{"cIEObject|Sub NavigateToUrl"});
 }
 
-TEST(IEObject, TheWaitEndsAtTheCapOrWhenAHandlerCancelsIt) {
+TEST(IEObject, TheWaitEndsWithTheTopDocumentOrAtTheCap) {
     struct Case {
         QStringList completed; // frames reported loaded, in this order
-        bool cancelOnMain;
         int capMs;
         bool toTheCap;
     };
     // A frame first: the top document's load is not trusted and the wait runs to the cap.
     const Case cases[] = {
-        {{"frame0", "main"}, false, 400, true},
-        {{"frame0", "frame1", "main"}, true, 5000, false},
+        {{"frame0", "main"}, 400, true},
+        {{"main", "frame0"}, 5000, false},
     };
     for (const Case& c : cases) {
         Session s;
@@ -105,43 +102,15 @@ TEST(IEObject, TheWaitEndsAtTheCapOrWhenAHandlerCancelsIt) {
         ASSERT_TRUE(ie.InitializeObject());
         s.window.completeOnNavigate = c.completed;
         int events = 0;
-        QObject::connect(&ie, &cIEObject::DocumentComplete, [&](const DocumentRef& d, QString&) {
-            ++events;
-            if (c.cancelOnMain && d.frameId == ie.browser().targetId)
-                ie.CancelWait();
-        });
+        QObject::connect(&ie, &cIEObject::DocumentComplete,
+                         [&](const DocumentRef&, QString&) { ++events; });
         QElapsedTimer clock;
         clock.start();
         ie.NavigateToUrl("example.com", true);
-        EXPECT_EQ(events, c.completed.size()) << "the event loop ran while waiting";
+        EXPECT_EQ(events, c.toTheCap ? c.completed.size() : 1)
+            << "the event loop ran while waiting";
         EXPECT_EQ(clock.elapsed() >= c.capMs - 10, c.toTheCap) << clock.elapsed();
         EXPECT_TRUE(s.log.errors.empty());
-    }
-}
-
-TEST(IEObject, LinksOfAllFramesOverwriteEachOther) {
-    struct Case {
-        std::vector<QStringList> frames;
-        bool topOnly;
-        int unreadable; // index of a frame that cannot be read, or -1
-        QStringList expected;
-    } cases[] = {
-        {{{"a"}}, false, -1, {"t1", "t2"}}, // one frame: the top document's links
-        {{{"a", "b"}, {"c"}, {}}, false, -1, {"c"}},
-        {{{"a", "b"}, {"c", "d", "e"}}, true, -1, {"t1", "t2"}},
-        {{{"a", "b", "c"}, {"d"}, {"e"}}, false, 1, {"t1", "t2"}},
-    };
-    for (const Case& c : cases) {
-        Session s;
-        s.window.top = doc("TOP", {"t1", "t2"});
-        for (size_t i = 0; i < c.frames.size(); ++i) {
-            s.window.frames.push_back(doc("F", c.frames[i]));
-            s.window.frames.back().unreadable = int(i) == c.unreadable;
-        }
-        EXPECT_EQ(s.ie->GetLinksOnAllFrames(c.topOnly), c.expected);
-        EXPECT_EQ(s.labels(), c.unreadable < 0
-                                  ? QStringList()
-                                  : QStringList{"cIEObject|Function GetLinksOnAllFrames"});
     }
 }
 
@@ -163,13 +132,11 @@ TEST(IEObject, FailingCallsAreLoggedWithTheirLabels) {
     Session s;
     s.window.failEverything = true;
     s.ie->NavigateToUrl("example.com", false);
-    s.ie->IETop(1);
-    EXPECT_EQ(s.ie->GetTextFromAllFrames(), "");
+    EXPECT_EQ(s.ie->GetBrowserText(), "");
     EXPECT_EQ(s.ie->CopySelection(), "");
-    EXPECT_EQ(s.labels(), (QStringList{"cIEObject|Sub NavigateToUrl", "cIEObject|Sub IETop",
-                                       "cIEObject|Function FrameCount",
-                                       "cIEObject|Function GetTextFromAllFrames",
-                                       "cIEObject|Function CopySelection"}));
+    EXPECT_EQ(s.labels(),
+              (QStringList{"cIEObject|Sub NavigateToUrl", "cIEObject|Function GetBrowserText",
+                           "cIEObject|Function CopySelection"}));
 }
 
 TEST(IEObject, BrowserPathIsTheSetPathThenTheSettingThenTheFirstThatExists) {
