@@ -66,7 +66,7 @@ EditorWindow::EditorWindow(StartUpState& startUp, QWidget* parent)
     background_ = std::make_unique<BackgroundCommands>(BackgroundCommands::Services{
         this, &dialogs_, &logger_, &startUp_, edit_, &form_, busy_.get()});
     browser_ = std::make_unique<web::DevToolsBrowserPort>(
-        AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_, &fileDialogs_);
+        AppSettings(store_, startUp_.RegKeyAppName), logger_, clipboard_, launcher_);
     siteList_ = std::make_unique<SiteListState>(std::make_unique<QtSiteTimer>());
     siteList_->tmrSiteList->onTick([this] { tmrSiteList_Timer(*ctx_); });
     progress_ = std::make_unique<ProgressDialog>(this);

@@ -17,7 +17,7 @@ QString noBrowserMessage(const BrowserPort& browser) {
 namespace web {
 
 DevToolsBrowserPort::DevToolsBrowserPort(AppSettings settings, Logger& log, Clipboard& clipboard,
-                                         Launcher& launcher, FileDialogs*)
+                                         Launcher& launcher)
     : settings_(std::move(settings)), log_(log), clipboard_(clipboard), launcher_(launcher) {}
 
 QString DevToolsBrowserPort::endpointSetting() const {

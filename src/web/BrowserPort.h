@@ -49,9 +49,8 @@ inline QString browserPathKey() {
 // the browser program named in the settings (read again for every session).
 class DevToolsBrowserPort : public BrowserPort {
 public:
-    // The file dialogs are not used: Save web page asks through the command's own context.
-    DevToolsBrowserPort(AppSettings settings, Logger& log, Clipboard& clipboard, Launcher& launcher,
-                        FileDialogs* unusedFileDialogs = nullptr);
+    DevToolsBrowserPort(AppSettings settings, Logger& log, Clipboard& clipboard,
+                        Launcher& launcher);
 
     std::unique_ptr<cIEObject> createSession() override;
     QString endpointDescription() const override;

@@ -249,9 +249,12 @@ TEST_F(WindowTest, LongCommandCanBeCancelledAndLeavesTheDocument) {
     dialogs_.answers = {"1"};
     run("mnuRemoveLinesContainingText");
     EXPECT_NE(edit().text(), before);
-    EXPECT_FALSE(edit().text().contains("1"));
+    const QString after = edit().text();
+    EXPECT_FALSE(after.contains("1"));
     run("mnuUndo");
     EXPECT_EQ(edit().text(), before);
+    run("mnuRedo");
+    EXPECT_EQ(edit().text(), after);
 }
 
 TEST_F(WindowTest, LongOpenCanBeCancelledAndLeavesTheDocumentAndItsName) {
