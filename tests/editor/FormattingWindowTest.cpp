@@ -47,6 +47,14 @@ TEST_F(FormattingWindowTest, FloatFontSurvivesSaveRtfAndReopen) {
     EXPECT_EQ(edit.selStart(), 1);
     EXPECT_EQ(edit.selLength(), 10);
 
+    // One undo step takes the sizes back, redo brings them again; the text never changes.
+    const std::vector<std::vector<double>> plain = {{9, 9, 9, 9, 9}, {9, 9, 9, 9, 9}, {}};
+    run("mnuUndo");
+    EXPECT_EQ(shownSizes(), plain);
+    run("mnuRedo");
+    EXPECT_EQ(shownSizes(), expected);
+    EXPECT_EQ(edit.text(), QString::fromUtf8("Hello\r\nW\xf0\x9f\x98\x80rld\r\n"));
+
     run("mnuSaveAsRTF");
     ASSERT_EQ(window_->windowTitle(), path("wave.rtf"));
     // File > Open keeps the file's formats (a start-up applies the saved font to everything).
@@ -56,11 +64,12 @@ TEST_F(FormattingWindowTest, FloatFontSurvivesSaveRtfAndReopen) {
     EXPECT_EQ(shownSizes(), expected);
 
     run("mnuRemoveFormatting");
-    const std::vector<std::vector<double>> plain = {{9, 9, 9, 9, 9}, {9, 9, 9, 9, 9}, {}};
     EXPECT_EQ(shownSizes(), plain);
     EXPECT_EQ(edit.text(), QString::fromUtf8("Hello\r\nW\xf0\x9f\x98\x80rld\r\n"));
     EXPECT_EQ(edit.selStart(), 0);
     EXPECT_EQ(edit.selLength(), 0);
+    run("mnuUndo");
+    EXPECT_EQ(shownSizes(), expected);
 }
 
 TEST_F(FormattingWindowTest, FloatFontOnTheWholeOfAManyLineDocument) {
