@@ -2,6 +2,7 @@
 // from them (the .txt beside each .rtf), and keep their character formatting.
 
 #include "RtfDescribe.h"
+#include "RtfSampleFiles.h"
 #include "editor/RtfReader.h"
 
 #include <QDir>
@@ -12,30 +13,9 @@
 #include <gtest/gtest.h>
 
 using namespace ed;
+using namespace ed::test;
 
 namespace {
-
-QString samplePath(const QString& name) {
-    return QFileInfo(QString::fromUtf8(__FILE__))
-        .dir()
-        .filePath(QStringLiteral("RtfSamples/") + name);
-}
-
-QByteArray readSample(const QString& name) {
-    QFile f(samplePath(name));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << samplePath(name).toStdString();
-    return f.readAll();
-}
-
-// The words of a text in order. Normalised away: the byte-order mark, and every run of white
-// space (spaces, tabs, no-break spaces, line breaks), since list bullets and table cells are
-// laid out with tabs by this reader and with spaces and line breaks in the reference.
-QStringList words(QString text) {
-    if (text.startsWith(QChar(0xFEFF)))
-        text.remove(0, 1);
-    static const QRegularExpression space(QStringLiteral("[\\s\\x{00A0}]+"));
-    return text.split(space, Qt::SkipEmptyParts);
-}
 
 class RtfSampleTest : public ::testing::TestWithParam<const char*> {};
 

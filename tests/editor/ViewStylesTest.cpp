@@ -4,6 +4,7 @@
 
 #include "editor/ViewStyles.h"
 #include "RtfDescribe.h"
+#include "RtfSampleFiles.h"
 #include "editor/RtfPlain.h"
 #include "editor/RtfReader.h"
 #include "editor/RtfWriter.h"
@@ -22,6 +23,7 @@
 #include <vector>
 
 using namespace ed;
+using namespace ed::test;
 using Sci = QsciScintillaBase;
 
 namespace {
@@ -142,19 +144,6 @@ const DocCase kDocs[] = {
 
 INSTANTIATE_TEST_SUITE_P(Documents, ViewStylesRoundTrip, ::testing::ValuesIn(kDocs),
                          [](const auto& info) { return std::string(info.param.name); });
-
-QByteArray readSample(const QString& name) {
-    QFile f(QFileInfo(QString::fromUtf8(__FILE__)).dir().filePath("RtfSamples/" + name));
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << name.toStdString();
-    return f.readAll();
-}
-
-QStringList words(QString text) {
-    if (text.startsWith(QChar(0xFEFF)))
-        text.remove(0, 1);
-    static const QRegularExpression space(QStringLiteral("[\\s\\x{00A0}]+"));
-    return text.split(space, Qt::SkipEmptyParts);
-}
 
 TEST(ViewStyles, SamplesLoadToTheirWordsAndSaveThem) {
     for (const char* base : {"writer-plain", "writer-mixed"}) {
