@@ -377,12 +377,12 @@ FontSpec ViewStyles::fontAt(qsizetype pos) const {
     if (!formats_[size_t(style)])
         return documentFont_;
     const RtfCharFormat& f = *formats_[size_t(style)];
-    FontSpec spec;
-    spec.name = f.family.isEmpty() ? documentFont_.name : f.family;
-    spec.size = f.pointSize;
-    spec.bold = f.bold;
-    spec.italic = f.italic;
-    return spec;
+    FontSpec font;
+    font.name = f.family.isEmpty() ? documentFont_.name : f.family;
+    font.size = f.pointSize;
+    font.bold = f.bold;
+    font.italic = f.italic;
+    return font;
 }
 
 void ViewStyles::setSizeCycle(qsizetype start, qsizetype length, const QList<double>& cycle) {
