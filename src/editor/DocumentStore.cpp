@@ -110,6 +110,7 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
         QByteArray bytes;
         TextFormat format;
         std::optional<ViewLoader> loader;
+        ViewStyles::PreparedRtf rtf;
     };
     auto job = std::make_shared<Job>();
     job->path = path;
@@ -120,9 +121,12 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
             return;
         job->read = true;
         job->percent = 10;
-        // RTF fills the view with its formats, on the window's thread.
+        // RTF is read here; only filling the view with its text and formats is left to the
+        // window's thread.
         if (rtf && looksLikeRtf(job->bytes)) {
             job->isRtf = true;
+            job->shown =
+                ViewStyles::prepareRtf(std::exchange(job->bytes, {}), job->rtf, &job->error);
             return;
         }
         // The file's bytes go to the view a piece at a time, and the memory of each piece goes
@@ -146,14 +150,13 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
     if (!busy_->run(QStringLiteral("Opening \"%1\"...").arg(path), work, job))
         return LoadResult::Cancelled;
     forgetOrigin();
-    if (!job->read || (!job->isRtf && !job->shown)) {
+    if (!job->read || !job->shown) {
         error = job->error;
         edit_.setUtf8(QByteArray());
         return LoadResult::Failed;
     }
     if (job->isRtf) {
-        if (!loadRtf(job->bytes, error))
-            return LoadResult::Failed;
+        widgetEdit_.showRtf(std::exchange(job->rtf, {}));
     } else {
         format_ = LoadedDocument();
         format_.format = job->format;

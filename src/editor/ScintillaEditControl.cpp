@@ -424,20 +424,25 @@ void ScintillaEditControl::adopt(ViewLoader&& loaded) {
 }
 
 bool ScintillaEditControl::loadRtf(const QByteArray& rtf, QString& error) {
+    ViewStyles::PreparedRtf prepared;
+    if (!ViewStyles::prepareRtf(rtf, prepared, &error))
+        return false;
+    showRtf(prepared);
+    return true;
+}
+
+void ScintillaEditControl::showRtf(const ViewStyles::PreparedRtf& prepared) {
     pending_.reset();
     ensureStyles(false);
     const bool reporting = std::exchange(reporting_, false);
     QString notice;
-    const bool loaded = styles_->loadRtf(rtf, &error, &notice);
+    styles_->applyRtf(prepared, &notice);
     reporting_ = reporting;
-    if (!loaded)
-        return false;
     applyWrap();
     setCaretByte(0);
     emit replaced();
     if (!notice.isEmpty())
         emit this->notice(notice);
-    return true;
 }
 
 QByteArray ScintillaEditControl::saveRtf() const {

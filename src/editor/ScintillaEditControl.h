@@ -10,6 +10,7 @@
 #include "app/Ports.h"
 #include "editor/UndoHistory.h"
 #include "editor/ViewLoader.h"
+#include "editor/ViewStyles.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -88,6 +89,8 @@ public:
     void adopt(ViewLoader&& loaded);
     // The document is filled from RTF: false with the reason when the bytes are not readable.
     bool loadRtf(const QByteArray& rtf, QString& error);
+    // The same from an RTF file already read (ViewStyles::prepareRtf, on any thread).
+    void showRtf(const ViewStyles::PreparedRtf& prepared);
     QByteArray saveRtf() const;
 
     QsciScintillaBase* view() const { return view_; }

@@ -270,16 +270,14 @@ void ViewStyles::rewrite(qsizetype start, QByteArray source, qsizetype keyCount,
     writeStyles(start, source);
 }
 
-bool ViewStyles::loadRtf(const QByteArray& rtf, QString* error, QString* notice) {
+bool ViewStyles::prepareRtf(const QByteArray& rtf, PreparedRtf& out, QString* error) {
     QString why;
     const RtfContent content = parseRtf(rtf, &why);
     if (error)
         *error = why;
-    if (notice)
-        notice->clear();
     if (!why.isEmpty())
         return false;
-    const RtfText laid = rtfTextOf(content);
+    RtfText laid = rtfTextOf(content);
 
     // The formats most of the text has get a style each; the rest look like their nearest.
     const qsizetype count = laid.formats.size();
@@ -293,10 +291,10 @@ bool ViewStyles::loadRtf(const QByteArray& rtf, QString* error, QString* notice)
                      [&](int a, int b) { return weight[a] > weight[b]; });
     const int kept = int(std::min<qsizetype>(count, kFormatStyles));
     std::vector<uchar> styleOf(size_t(count), 0);
-    FormatTable table{};
+    out.formats = FormatTable{};
     for (int k = 0; k < kept; ++k) {
         styleOf[size_t(order[size_t(k)])] = uchar(formatStyle(k));
-        table[size_t(formatStyle(k))] = laid.formats[order[size_t(k)]];
+        out.formats[size_t(formatStyle(k))] = laid.formats[order[size_t(k)]];
     }
     for (qsizetype k = kept; k < count; ++k) {
         const RtfCharFormat& f = laid.formats[order[size_t(k)]];
@@ -311,24 +309,42 @@ bool ViewStyles::loadRtf(const QByteArray& rtf, QString* error, QString* notice)
         }
         styleOf[size_t(order[size_t(k)])] = uchar(formatStyle(best));
     }
-    QByteArray styles(laid.text.size(), Qt::Uninitialized);
+    out.styles = QByteArray(laid.text.size(), Qt::Uninitialized);
     qsizetype at = 0;
     for (const FormatRun& run : laid.runs) {
-        std::memset(styles.data() + at, run.format < 0 ? 0 : styleOf[size_t(run.format)],
+        std::memset(out.styles.data() + at, run.format < 0 ? 0 : styleOf[size_t(run.format)],
                     size_t(run.bytes));
         at += run.bytes;
     }
+    out.text = std::move(laid.text);
+    out.formatCount = count;
+    out.merged = count - kept;
+    return true;
+}
 
+void ViewStyles::applyRtf(const PreparedRtf& prepared, QString* notice) {
     send(view_, Sci::SCI_BEGINUNDOACTION);
     send(view_, Sci::SCI_CLEARALL);
-    view_->SendScintilla(Sci::SCI_APPENDTEXT, uintptr_t(laid.text.size()), laid.text.constData());
+    view_->SendScintilla(Sci::SCI_APPENDTEXT, uintptr_t(prepared.text.size()),
+                         prepared.text.constData());
     send(view_, Sci::SCI_ENDUNDOACTION);
-    formats_ = table;
+    formats_ = prepared.formats;
     setDocumentFont(documentFont_);
-    writeStyles(0, styles);
+    writeStyles(0, prepared.styles);
     rich_ = true;
-    if (notice && count > kept)
-        *notice = mergedNotice(count, count - kept);
+    if (notice)
+        *notice =
+            prepared.merged > 0 ? mergedNotice(prepared.formatCount, prepared.merged) : QString();
+}
+
+bool ViewStyles::loadRtf(const QByteArray& rtf, QString* error, QString* notice) {
+    PreparedRtf prepared;
+    if (!prepareRtf(rtf, prepared, error)) {
+        if (notice)
+            notice->clear();
+        return false;
+    }
+    applyRtf(prepared, notice);
     return true;
 }
 

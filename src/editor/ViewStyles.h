@@ -52,10 +52,24 @@ public:
     // The document carries formats of its own (it was loaded from RTF or got some since).
     bool isRich() const { return rich_; }
 
-    // Replaces the view's text and formats by an RTF file's content, as one undo step of the
-    // view. False, with the view untouched and the reason in *error, when the bytes are not
-    // readable RTF. With more distinct formats than styles, the rarest take the look of their
-    // nearest and *notice says so; otherwise *notice is cleared.
+    using FormatTable = std::array<std::optional<RtfCharFormat>, 256>;
+    // An RTF file made ready for the view: its text, the style of each byte and what each style
+    // shows. Reading a large RTF file takes a while: prepareRtf does it without the view, on any
+    // thread, and only applyRtf touches the view.
+    struct PreparedRtf {
+        QByteArray text;
+        QByteArray styles;
+        FormatTable formats{};
+        qsizetype formatCount = 0; // distinct formats in the file
+        qsizetype merged = 0;      // of which shown as their nearest, for want of styles
+    };
+    // False, with the reason in *error, when the bytes are not readable RTF. With more distinct
+    // formats than styles, the rarest take the look of their nearest.
+    static bool prepareRtf(const QByteArray& rtf, PreparedRtf& out, QString* error);
+    // Replaces the view's text and formats by prepared content, as one undo step of the view.
+    // *notice tells when formats were merged; otherwise it is cleared.
+    void applyRtf(const PreparedRtf& prepared, QString* notice);
+    // Both in one: false, with the view untouched, when the bytes are not readable RTF.
     bool loadRtf(const QByteArray& rtf, QString* error, QString* notice);
     // What the view shows, as RTF (a plain document all in the document's font).
     QByteArray saveRtf() const;
@@ -90,8 +104,6 @@ public:
     QString takeNotice() { return std::exchange(notice_, QString()); }
 
 private:
-    using FormatTable = std::array<std::optional<RtfCharFormat>, 256>;
-
     qsizetype length() const;
     const char* bytes() const;
     // True when a byte has another style than 0 (read, not from the flag).
