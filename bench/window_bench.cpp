@@ -9,6 +9,7 @@
 // stuck on one file cannot hold up the next; a step that is not done after BENCH_TIMEOUT seconds
 // (default 60) ends that process with "not done after N s".
 
+#include "app/HugePageMalloc.h"
 #include "app/StartUp.h"
 #include "editor/DocumentCommands.h"
 #include "editor/EditorWindow.h"
@@ -443,6 +444,8 @@ int main(int argc, char** argv) {
                        std::strcmp(argv[1], "--edit") == 0);
     }
 
+    // The window runs with the allocator settings Editor gives Editor-full.
+    ed::askHugePageMalloc();
     QCoreApplication app(argc, argv);
     QTemporaryDir dir;
     qputenv("XDG_CONFIG_HOME", dir.path().toLocal8Bit());

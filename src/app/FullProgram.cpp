@@ -1,5 +1,7 @@
 #include "app/FullProgram.h"
 
+#include "app/HugePageMalloc.h"
+
 #include <QByteArray>
 #include <QFileInfo>
 
@@ -21,6 +23,7 @@ int startFullProgram(const char* programPath, char* const* argv) {
         args.push_back(*a);
     args.push_back(nullptr);
     std::fflush(nullptr);
+    askHugePageMalloc();
     ::execv(full.constData(), args.data());
     std::fprintf(stderr,
                  "Editor: cannot start %s (the window, browser and mail part of Editor): %s\n",

@@ -4,6 +4,7 @@
 
 #include "app/BatchRunner.h"
 #include "app/Command.h"
+#include "app/HugePageMalloc.h"
 #include "app/SendMailBatch.h"
 #include "app/StartUp.h"
 #include "editor/WindowMain.h"
@@ -17,6 +18,7 @@
 #include <cstdio>
 
 int main(int argc, char** argv) {
+    ed::forgetHugePageMalloc();
     QStringList args;
     for (int i = 1; i < argc; ++i)
         args << QString::fromLocal8Bit(argv[i]);

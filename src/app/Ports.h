@@ -38,6 +38,9 @@ public:
     // The text as the commands work on it: UTF-8 bytes with CR LF line breaks. An edit control
     // that holds such bytes hands them over without a copy.
     virtual QByteArray utf8() const { return toModelUtf8(text()); }
+    // The same bytes where the control keeps them, without a copy: valid, and readable from any
+    // thread, until the control next changes. Null for a control that keeps no such bytes.
+    virtual QByteArrayView utf8InPlace() const { return {}; }
     // Replaces the whole text by such bytes; the caret goes to 0.
     virtual void setUtf8(const QByteArray& text) { setText(fromModelUtf8(text)); }
 };

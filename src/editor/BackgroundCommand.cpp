@@ -6,6 +6,7 @@
 #include "app/SystemPorts.h"
 #include "app/TextBuffer.h"
 #include "editor/BusyWork.h"
+#include "util/HugePages.h"
 #include "util/Utility.h"
 
 #include <QThread>
@@ -114,7 +115,12 @@ bool BackgroundCommands::runsOnTextAlone(const MenuItemDecl& item) {
 
 bool BackgroundCommands::run(const MenuItemDecl& item) {
     auto job = std::make_shared<Job>(s_.logger);
-    job->doc.setUtf8(s_.edit->utf8());
+    // The view's bytes are copied on the worker: a copy of a large document takes long enough
+    // to be felt. Cancel waits for the copy, since the view may change right after it.
+    const QByteArrayView inPlace = s_.edit->utf8InPlace();
+    if (inPlace.isNull())
+        job->doc.setUtf8(s_.edit->utf8());
+    job->readsWindow = !inPlace.isNull();
     job->doc.setSelStart(s_.edit->selStart());
     job->doc.setSelLength(s_.edit->selLength());
     job->form = *s_.form;
@@ -126,8 +132,18 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
                                                 *s_.logger, job->clock, job->launcher, job->menu,
                                                 *job->util, job->form, *job->window, *s_.startUp);
     const MenuItemDecl* decl = &item;
-    auto work = [job, decl] { runMenuItem(*decl, *job->ctx); };
-    job->original = job->doc.utf8();
+    auto work = [job, decl, inPlace] {
+        if (job->readsWindow) {
+            job->doc.setUtf8(copyBytes(inPlace));
+            job->original = job->doc.utf8();
+            job->readsWindow = false;
+            if (job->cancelled)
+                return;
+        }
+        runMenuItem(*decl, *job->ctx);
+    };
+    if (!job->readsWindow)
+        job->original = job->doc.utf8();
     if (!s_.busy->run(QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
                       work, job))
         return false; // the worker finishes on its own; its result is dropped

@@ -27,6 +27,10 @@ bool BusyWork::run(const QString& what, std::function<void()> work,
         if (!cancellable)
             return;
         token->cancelled = true;
+        // The window may change its data as soon as this returns: wait (briefly: copying is all
+        // the work does meanwhile) until the work has let go of it.
+        while (token->readsWindow)
+            QThread::msleep(1);
         loop.quit();
     };
     std::unique_ptr<QProgressDialog> progress;

@@ -23,6 +23,9 @@ struct BusyToken {
     std::atomic<int> openDialogs{0};
     // How far the work got, 0 to 100, when it knows; -1 when it does not.
     std::atomic<int> percent{-1};
+    // True while the work still reads data the window owns (the view's bytes): Cancel returns
+    // to the window only once the work has cleared it.
+    std::atomic<bool> readsWindow{false};
 };
 
 class BusyWork {

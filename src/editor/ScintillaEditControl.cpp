@@ -2,6 +2,7 @@
 
 #include "editor/BusyWork.h"
 #include "editor/ViewStyles.h"
+#include "util/HugePages.h"
 #include "util/ModelText.h"
 
 #include <Qsci/qsciscintillabase.h>
@@ -132,7 +133,7 @@ void ScintillaEditControl::setText(const QString& text) {
 }
 
 QByteArray ScintillaEditControl::utf8() const {
-    return bytes().toByteArray();
+    return copyBytes(bytes());
 }
 
 void ScintillaEditControl::setUtf8(const QByteArray& text) {
@@ -186,45 +187,47 @@ bool ScintillaEditControl::replaceOnWorker(qsizetype offset, qsizetype length,
     struct Job : BusyToken {
         std::optional<ViewLoader> loader;
         bool built = false;
+        QByteArray removed, inserted; // for `changed`, copied on the worker too
     };
     auto job = std::make_shared<Job>();
     const QByteArrayView doc = bytes(); // the view's bytes stay put while the busy guard is up
     const bool styled = !(send(Sci::SCI_GETDOCUMENTOPTIONS) & Sci::SC_DOCUMENTOPTION_STYLES_NONE);
     job->loader.emplace(view_, doc.size() - length + with.size(), styled);
-    QByteArray replacement = with.toByteArray(); // owned by the work, which may outlive this call
-    auto work = [job, doc, offset, length, replacement] {
+    // The work cannot be cancelled, so `with` outlives it.
+    auto work = [job, doc, offset, length, with, report = reporting_] {
         ViewLoader& l = *job->loader;
-        const qsizetype total = doc.size() - length + replacement.size();
+        const qsizetype total = doc.size() - length + with.size();
         std::atomic<int>* p = &job->percent;
         const auto share = [&](qsizetype n) { return int(100.0 * double(n) / double(total)); };
-        const int a = share(offset), b = share(offset + replacement.size());
+        const int a = share(offset), b = share(offset + with.size());
         job->built = l.add(doc.first(offset), &job->cancelled, p, 0, a) &&
-                     l.add(replacement, &job->cancelled, p, a, b) &&
+                     l.add(with, &job->cancelled, p, a, b) &&
                      l.add(doc.sliced(offset + length), &job->cancelled, p, b, 100);
+        if (job->built && report) {
+            job->removed = copyBytes(doc.sliced(offset, length));
+            job->inserted = copyBytes(with);
+        }
     };
     busy_->run(QStringLiteral("Working on the document..."), work, job, false);
     if (!job->built) {
         // No room for a second document: change the view itself, slowly.
         BusyWork* busy = std::exchange(busy_, nullptr);
-        replaceBytes(offset, length, replacement);
+        replaceBytes(offset, length, with);
         busy_ = busy;
         return true;
     }
-    QByteArray removed;
-    if (reporting_)
-        removed = doc.sliced(offset, length).toByteArray();
     swapDocument(job->loader->takeDocument());
     // The selection moves as the view would have moved it.
     const auto moved = [&](qsizetype at) {
         return at <= offset            ? at
-               : at >= offset + length ? at - length + replacement.size()
-                                       : offset + replacement.size();
+               : at >= offset + length ? at - length + with.size()
+                                       : offset + with.size();
     };
     const Selection sel = selectionBytes();
     send(Sci::SCI_SETSEL, ulong(moved(sel.anchor)), long(moved(sel.caret)));
     ++changes_;
     if (reporting_)
-        emit changed(offset, removed, replacement, false);
+        emit changed(offset, job->removed, job->inserted, false);
     return true;
 }
 

@@ -46,6 +46,7 @@ public:
     void replaceRange(int start, int length, const QString& replacement) override;
     // A copy of the view's bytes: a command may keep it across its own changes.
     QByteArray utf8() const override;
+    QByteArrayView utf8InPlace() const override { return bytes(); }
     // The new text goes in as one replacement of the part that differs.
     void setUtf8(const QByteArray& text) override;
 

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <cstdint>
+#include <cstring>
 
 #ifdef Q_OS_LINUX
 #include <sys/mman.h>
@@ -23,6 +24,15 @@ void adviseHugePages(const void* data, size_t bytes) {
     (void)data;
     (void)bytes;
 #endif
+}
+
+QByteArray copyBytes(QByteArrayView bytes) {
+    if (bytes.isEmpty())
+        return QByteArray();
+    QByteArray out(bytes.size(), Qt::Uninitialized);
+    adviseHugePages(out.constData(), size_t(out.size()));
+    std::memcpy(out.data(), bytes.data(), size_t(bytes.size()));
+    return out;
 }
 
 } // namespace ed
