@@ -28,9 +28,13 @@ TEST(WebMenuCommands, NavigateToSendsTheBrowserOrStartsOne) {
     const Case cases[] = {
         {"example.com/x", true, {"http://example.com/x"}, "", ""},
         {" FTP://files.example/a ", true, {"FTP://files.example/a"}, "", ""},
-        {"joe@example.com", false, {}, "", "mailto:joe@example.com?Subject=Hello"},
-        {"example.com/y", false, {}, "http://example.com/y", ""},
-        // A switch typed as the address arrives at the browser as an address.
+        // A mail address goes to the desktop as one text, whatever it holds.
+        {"a;b$(touch x)'q\"@example.com",
+         false,
+         {},
+         "",
+         "mailto:a;b$(touch x)'q\"@example.com?Subject=Hello"},
+        // A switch typed as the address arrives at the browser it starts as an address.
         {"--renderer-cmd-prefix=/tmp/x", false, {}, "http://--renderer-cmd-prefix=/tmp/x", ""},
     };
     for (const Case& c : cases) {
@@ -39,9 +43,8 @@ TEST(WebMenuCommands, NavigateToSendsTheBrowserOrStartsOne) {
         b.port.connector->browserOpen = c.browserOpen;
         b.h.dialogs.answers = {c.answer};
         b.h.run("mnuNaviagetTo");
-        ASSERT_EQ(b.h.dialogs.prompts.size(), 1u);
-        EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Enter the address to go to.");
-        EXPECT_EQ(b.h.dialogs.prompts[0].title, "Navigate to");
+        EXPECT_TRUE(
+            b.h.dialogs.shown().value(0).startsWith("Enter the address to go to.|Navigate to|"));
         EXPECT_EQ(b.h.setting("frmEdit", "Navigate To"), c.answer);
         EXPECT_EQ(b.window().navigations, c.navigations);
         EXPECT_EQ(b.h.launcher.opened, c.opened.isEmpty() ? QStringList() : QStringList{c.opened});
@@ -51,7 +54,6 @@ TEST(WebMenuCommands, NavigateToSendsTheBrowserOrStartsOne) {
             ASSERT_EQ(b.h.launcher.started.size(), 1u);
             EXPECT_EQ(b.h.launcher.started[0].program, "/opt/browser/chromium");
             EXPECT_EQ(b.h.launcher.started[0].arguments.last(), c.started);
-            EXPECT_TRUE(b.h.launcher.started[0].arguments.contains("--remote-debugging-port=9222"));
         }
         EXPECT_TRUE(b.h.log.errors.empty());
     }
@@ -76,8 +78,7 @@ TEST(WebMenuCommands, SearchGoogleFillsTheSearchAddress) {
             b.h.setSetting("frmEdit", "Web Search Url", c.setting);
         b.h.dialogs.answers = {c.answer};
         b.h.run("mnuSearchGoogle");
-        EXPECT_EQ(b.h.dialogs.prompts[0].prompt, "Search the web for?");
-        EXPECT_EQ(b.h.dialogs.prompts[0].title, "Search Google");
+        EXPECT_TRUE(b.h.dialogs.shown().value(0).startsWith("Search the web for?|Search Google|"));
         EXPECT_EQ(b.h.setting("frmEdit", "Web Search"), c.answer);
         EXPECT_EQ(b.window().navigations, QStringList{c.address});
     }
@@ -110,11 +111,8 @@ TEST(WebMenuCommands, SaveWebPageWritesTheChosenFormAndSaysSo) {
             b.files.saveAnswers.push_back(c.chosen);
         b.h.run("mnuSaveWebPage");
         ASSERT_EQ(b.files.requests.size(), 1u);
-        const FileDialogRequest& r = b.files.requests[0];
-        EXPECT_EQ(r.title, "Save web page");
-        EXPECT_EQ(r.filter, "Web archive *.mhtml|*.mhtml|Web page, HTML only *.html|*.html");
-        EXPECT_EQ(r.initialDir, dir + "/");
-        EXPECT_EQ(r.fileName, c.proposed);
+        EXPECT_EQ(b.files.requests[0].initialDir, dir + "/");
+        EXPECT_EQ(b.files.requests[0].fileName, c.proposed);
         if (c.written.isEmpty()) {
             EXPECT_TRUE(b.h.window.statuses.isEmpty());
             continue;
@@ -132,9 +130,7 @@ TEST(WebMenuCommands, SaveWebPageWithoutABrowserOrIntoNowhere) {
     none.port.connector->browserOpen = false;
     none.h.run("mnuSaveWebPage");
     EXPECT_TRUE(none.files.requests.empty());
-    EXPECT_EQ(none.h.window.statuses,
-              QStringList{"no browser found at 127.0.0.1:9222; start one with chromium "
-                          "--remote-debugging-port=9222"});
+    EXPECT_EQ(none.h.window.statuses, QStringList{noBrowserMessage(none.port)});
 
     Browser b;
     b.files.saveAnswers.push_back({makeTempDir() + "/missing/p.mhtml", 1});
