@@ -135,21 +135,6 @@ TEST(SiteList, ChangeTimingTakesOnlyNumbers) {
     }
 }
 
-TEST(SiteList, WithoutABrowserEachTickStartsOneWithTheAddress) {
-    Walk w("a.example\r\nhttp://b.example/x?y=1 2\r\n");
-    w.port.connector->browserOpen = false;
-    w.port.program = "/opt/browser/chromium";
-    w.h.run("mnuNavigateSiteList");
-    w.timer->fire();
-    ASSERT_EQ(w.h.launcher.started.size(), 2u);
-    EXPECT_EQ(w.h.launcher.started[0].arguments.last(), "http://a.example");
-    EXPECT_EQ(w.h.launcher.started[1].arguments.last(), "http://b.example/x?y=1 2");
-    EXPECT_TRUE(
-        w.h.window.statuses[0].contains("started /opt/browser/chromium with http://a.example"));
-    EXPECT_TRUE(w.visited().isEmpty());
-    EXPECT_TRUE(w.h.log.errors.empty());
-}
-
 TEST(SiteList, ABrowserThatCannotBeStartedIsLoggedAndTheTimerStops) {
     Walk w("a.example\r\nb.example\r\nc.example\r\n");
     w.port.connector->browserOpen = false; // and no program to start
