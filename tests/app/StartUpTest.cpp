@@ -95,16 +95,6 @@ TEST(SettingsStore, CorruptOrUnwritableFilesFallBackAndAreLogged) {
     EXPECT_EQ(log2.errors.size(), 1u);
 }
 
-TEST(SettingsStore, BooleansReadAsThePlatformConverts) {
-    const std::pair<const char*, bool> cases[] = {{"True", true}, {"False", false}, {"-1", true},
-                                                  {"0", false},   {"true", true},   {"2", true}};
-    for (const auto& [text, expected] : cases)
-        EXPECT_EQ(settingToBool(text), expected) << text;
-    bool ok = true;
-    settingToBool("maybe", &ok);
-    EXPECT_FALSE(ok);
-}
-
 class ErrorLoggerTest : public ::testing::Test {
 protected:
     void SetUp() override { qputenv("LOGFILES", dir_.path().toLocal8Bit()); }
