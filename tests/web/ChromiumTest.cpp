@@ -345,28 +345,6 @@ struct SiteWalk {
     if (!QFileInfo(test::testChromiumPath()).isExecutable())                                       \
     GTEST_SKIP() << "no Chromium"
 
-TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndNextItemUsesIt) {
-    SKIP_WITHOUT_CHROMIUM();
-    test::TestHttpServer server;
-    server.serve("/1.html", "<html><body>One</body></html>");
-    server.serve("/2.html", "<html><body>Two</body></html>");
-    test::Harness h(server.url("/1.html") + "\r\n" + server.url("/2.html") + "\r\n" +
-                    server.url("/1.html") + "\r\n");
-    SiteWalk w(h, test::makeTempDir() + "/profile");
-
-    w.run("mnuNavigateSiteList");
-    ASSERT_EQ(w.launcher.started.size(), 1u);
-    EXPECT_EQ(w.launcher.started[0].last(), server.url("/1.html"));
-    EXPECT_TRUE(w.launcher.started[0].contains(
-        QStringLiteral("--remote-debugging-port=%1").arg(w.endpoint.port)));
-    EXPECT_TRUE(shows(w.endpoint, server.url("/1.html")));
-
-    w.run("mnuNextItem");
-    EXPECT_EQ(w.launcher.started.size(), 1u) << "the running browser is used";
-    EXPECT_TRUE(shows(w.endpoint, server.url("/2.html")));
-    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
-}
-
 TEST(ChromiumWebMenuLaunch, SearchStartsABrowserWhenNoneAnswersAndNavigateToUsesIt) {
     SKIP_WITHOUT_CHROMIUM();
     test::TestHttpServer server;

@@ -99,6 +99,7 @@ protected:
     QString root, folder;
 };
 
+// A failed file, also one the disk has no room for, leaves nothing and stops no other.
 TEST_F(Downloads, EachFileGetsItsNameAndAFailedOneLeavesNothing) {
     struct Case {
         QString path;
@@ -117,6 +118,7 @@ TEST_F(Downloads, EachFileGetsItsNameAndAFailedOneLeavesNothing) {
         {"/missing", std::nullopt, "", "HTTP 404 Not Found"},
         {"/slow", stalled(QByteArray(100, 'x'), 5), "", "no data came for 0.3 s"},
         {"/huge", stalled("x", 0, 1'000'000'000'000'000), "", "the disk has room for"},
+        {"/big", file(QByteArray(3 << 20, 'b')), "", "cannot write " + folder + "/big.part"},
         {"http://127.0.0.1:1/refused", std::nullopt, "", "refused"},
     };
     QStringList paths;
@@ -130,7 +132,16 @@ TEST_F(Downloads, EachFileGetsItsNameAndAFailedOneLeavesNothing) {
     }
     DownloadOptions options;
     options.stallTimeoutMs = 300;
+    // The system refuses to write more than 1 MB to a file, as a full disk would.
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit limited = old;
+    limited.rlim_cur = 1 << 20;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
     const std::vector<DownloadResult> results = run(paths, nullptr, options);
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
     ASSERT_EQ(results.size(), std::size(cases));
     for (size_t i = 0; i < results.size(); ++i) {
         const Case& c = cases[i];
@@ -205,26 +216,6 @@ TEST_F(Downloads, FourAtATimeAndCancelKeepsOnlyCompleteFiles) {
         EXPECT_EQ(results[i].error, "cancelled");
     EXPECT_EQ(filesIn(folder), QStringList{"done.txt"});
     EXPECT_TRUE(progress.last.startsWith("6 of 6 files")) << progress.last.toStdString();
-}
-
-TEST_F(Downloads, AFileLargerThanTheDiskAllowsFailsAlone) {
-    server.serve("/big.bin", file(QByteArray(3 << 20, 'b')));
-    server.serve("/small.txt", file("small"));
-    // The system refuses to write more than 1 MB to a file, as a full disk would.
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    getrlimit(RLIMIT_FSIZE, &old);
-    rlimit limited = old;
-    limited.rlim_cur = 1 << 20;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const std::vector<DownloadResult> results = run({"/big.bin", "/small.txt"});
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, oldHandler);
-    ASSERT_EQ(results.size(), 2u);
-    EXPECT_TRUE(results[0].error.startsWith("cannot write " + folder + "/big.bin.part"))
-        << results[0].error.toStdString();
-    EXPECT_TRUE(results[1].ok());
-    EXPECT_EQ(filesIn(folder), QStringList{"small.txt"});
 }
 
 TEST(DownloadFilesCommand, ListFolderAndSummary) {
