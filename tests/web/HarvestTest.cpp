@@ -1,6 +1,6 @@
 // Harvesting a page: e-mail addresses cut out of running text and mailto: links, phone and fax
-// numbers, and the Email, Phone #s, Fax #s and Any Tag Content commands over a scripted browser
-// (frames, repeats, an unreadable frame, prompts and their remembered answers).
+// numbers, and the Email and Any Tag Content commands over a scripted browser (repeats, an
+// unreadable frame, prompts and their remembered answers).
 
 #include "FakeBrowser.h"
 #include "support/Fakes.h"
