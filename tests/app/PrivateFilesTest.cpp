@@ -31,29 +31,22 @@ protected:
     }
     void TearDown() override { qputenv("LOGFILES", old_); }
     void logOneError() {
-        test::FixedClock clock;
-        test::FakeLauncher launcher;
         const bool complete = true;
-        ErrorLogger logger(clock, launcher, complete, QStringLiteral("Editor"));
-        logger.logError(QStringLiteral("frmEdit"), QStringLiteral("Sub Test"));
+        ErrorLogger(clock_, launcher_, complete, "Editor").logError("frmEdit", "Sub Test");
     }
     QString dir_ = test::makeTempDir();
     QByteArray old_;
+    test::FixedClock clock_;
+    test::FakeLauncher launcher_;
 };
 
 TEST_F(PrivateFiles, TheErrorLogNeverFollowsALink) {
     const QString target = dir_ + "/target.txt";
-    {
-        QFile f(target);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("keep");
-    }
+    test::writeFile(target, "keep");
     const QString log = dir_ + "/ErrorLog.txt";
     ASSERT_TRUE(QFile::link(target, log));
     logOneError();
-    QFile f(target);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_EQ(f.readAll(), "keep");
+    EXPECT_EQ(test::readFile(target), "keep");
     EXPECT_TRUE(QFileInfo(log).isSymLink());
 }
 

@@ -43,21 +43,20 @@ std::vector<ReceivedMessage> SmtpTestServer::messages() const {
         if (!f.open(QIODevice::ReadOnly))
             continue;
         const QJsonObject o = QJsonDocument::fromJson(f.readAll()).object();
-        ReceivedMessage m;
-        for (const QJsonValue& r : o.value(QStringLiteral("rcpt")).toArray())
-            m.rcpt << r.toString();
-        m.to = o.value(QStringLiteral("to")).toString();
-        m.subject = o.value(QStringLiteral("subject")).toString();
-        m.date = o.value(QStringLiteral("date")).toString();
-        m.messageId = o.value(QStringLiteral("message_id")).toString();
-        m.body = QByteArray::fromBase64(o.value(QStringLiteral("body")).toString().toLatin1());
-        for (const QJsonValue& a : o.value(QStringLiteral("attachments")).toArray()) {
-            const QJsonObject ao = a.toObject();
-            m.attachments.push_back(
-                {ao.value(QStringLiteral("filename")).toString(),
-                 ao.value(QStringLiteral("type")).toString(),
-                 QByteArray::fromBase64(ao.value(QStringLiteral("bytes")).toString().toLatin1())});
-        }
+        auto text = [](const QJsonObject& o, const char* key) { return o.value(key).toString(); };
+        auto bytes = [&](const QJsonObject& o, const char* key) {
+            return QByteArray::fromBase64(text(o, key).toLatin1());
+        };
+        ReceivedMessage m{o.value("rcpt").toVariant().toStringList(),
+                          text(o, "to"),
+                          text(o, "subject"),
+                          text(o, "date"),
+                          text(o, "message_id"),
+                          bytes(o, "body"),
+                          {}};
+        for (const QJsonValue& a : o.value("attachments").toArray())
+            m.attachments.push_back({text(a.toObject(), "filename"), text(a.toObject(), "type"),
+                                     bytes(a.toObject(), "bytes")});
         out.push_back(m);
     }
     return out;

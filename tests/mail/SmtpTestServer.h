@@ -13,17 +13,13 @@
 namespace ed::test {
 
 struct ReceivedAttachment {
-    QString fileName;
-    QString type;
+    QString fileName, type;
     QByteArray bytes;
 };
 
 struct ReceivedMessage {
     QStringList rcpt;
-    QString to;
-    QString subject;
-    QString date;
-    QString messageId;
+    QString to, subject, date, messageId;
     QByteArray body;
     std::vector<ReceivedAttachment> attachments;
 };
@@ -40,7 +36,7 @@ public:
     int closedPort = 0; // nobody listens
 
     std::vector<ReceivedMessage> messages() const;
-    // Every line of what clients told the server ("EHLO ...", "AUTH PLAIN user", "RCPT ...").
+    // The EHLO, AUTH and STARTTLS lines clients sent ("EHLO host", "AUTH PLAIN user").
     QStringList log() const;
 
 private:

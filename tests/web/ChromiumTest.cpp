@@ -1,8 +1,8 @@
 // The browser session and the browser commands against a real headless Chromium, each way the
-// program talks to it once: loading and reading a page, every frame's load reported, a browser
-// killed during a wait, the batch runner, the site-list walk on the window's own timer, a walk
-// and a search that start their browser first, and the Web menu's Navigate to, Search Google and
-// Save web page. All suites named Chromium* run in one process, one after another.
+// program talks to it once: reading a page, every frame's load reported, harvesting addresses
+// and numbers from a page and its frames of other sites, a browser killed during a wait, the
+// batch runner, the site-list walk on the window's own timer, a walk and a search that start
+// their browser first, and the Web menu. All suites named Chromium* run in one process.
 
 #include "ChromiumProcess.h"
 #include "SteppedSiteTimer.h"
@@ -26,6 +26,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <deque>
 
 #include <gtest/gtest.h>
 
@@ -66,10 +67,25 @@ BrowserServices servicesFor(Ports& p, const QString& endpoint) {
     return services;
 }
 
-void load(cIEObject& ie, const QString& url) {
-    ASSERT_TRUE(test::loadPage(ie, url));
-}
+// A command harness whose browser port talks to the browser at `endpoint`.
+struct WebHarness {
+    explicit WebHarness(const QString& endpoint) {
+        h.setSetting("frmEdit", "Browser Endpoint", endpoint);
+        port.browserCandidates = {};
+        h.ctx.browser = &port;
+        h.ctx.fileDialogs = &files;
+    }
+    ~WebHarness() {
+        for (const auto& e : h.log.errors)
+            ADD_FAILURE() << e.location << ": " << e.detail;
+    }
+    test::Harness h;
+    DevToolsBrowserPort port{AppSettings(h.settings, h.startUp.RegKeyAppName), h.log, h.clipboard,
+                             h.launcher};
+    test::FakeFileDialogs files;
+};
 
+// One browser and one site for each suite.
 class ChromiumSession : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -95,6 +111,24 @@ protected:
                     .toUtf8());
         for (const char* page : {"/1.html", "/2.html", "/3.html"})
             s.serve(page, QByteArray("<html><body>Page ") + page + "</body></html>");
+        // Addresses in text, in mailto: links and in a frame of another site with a frame of
+        // its own; hidden text is not harvested.
+        s.serve("/contacts.html",
+                ("<html><body><h1>Contacts</h1>"
+                 "<p>Write to Sales@Example.com or support@example.org.</p>"
+                 "<a href=\"mailto:first@example.com,second%40example.net?subject=Hi%20there\">"
+                 "mail us</a> <a href=\"mailto:%46IRST@example.com\">again</a> "
+                 "<p>Call (212) 555-0142 or +44 20 7946 0958. Fax: 212-555-0199</p>"
+                 "<p style=\"display:none\">hidden@example.com 415-555-0100</p>"
+                 "<iframe src=\"" +
+                 s.otherSiteUrl("/frame.html") + "\"></iframe></body></html>")
+                    .toUtf8());
+        s.serve("/frame.html", ("<html><body><p>Frame: frame@example.org, +33 1 42 68 53 00</p>"
+                                "<iframe src=\"" +
+                                s.url("/nested.html") + "\"></iframe></body></html>")
+                                   .toUtf8());
+        s.serve("/nested.html", "<html><body>Nested: deep@example.net 1-415-555-2671"
+                                "</body></html>");
     }
     static void TearDownTestSuite() {
         browser_.reset();
@@ -104,6 +138,7 @@ protected:
     void SetUp() override {
         if (!browser_->problem().isEmpty())
             GTEST_SKIP() << browser_->problem().toStdString();
+        ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
         ie_ = std::make_unique<cIEObject>(servicesFor(ports_, endpoint()));
         ASSERT_TRUE(ie_->InitializeObject());
     }
@@ -114,6 +149,10 @@ protected:
 
     QString url(const QString& path) const { return server_->url(path); }
     QString endpoint() const { return browser_->endpointText(); }
+    void load(const QString& path) { ASSERT_TRUE(test::loadPage(*ie_, url(path))); }
+    test::EditorRun batch(const QStringList& args, const QByteArray& document = {}) const {
+        return test::runEditorBatch(args, document, {{"frmEdit/Browser Endpoint", endpoint()}});
+    }
 
     inline static std::unique_ptr<test::ChromiumProcess> browser_;
     inline static std::unique_ptr<test::TestHttpServer> server_;
@@ -137,39 +176,32 @@ TEST_F(ChromiumSession, EveryFrameReportsItsOwnUrlWhenComplete) {
     QStringList urls;
     const auto c = QObject::connect(ie_.get(), &cIEObject::DocumentComplete,
                                     [&](const DocumentRef&, QString& u) { urls << u; });
-    load(*ie_, url("/two.html"));
+    load("/two.html");
     const QStringList expected = {url("/two.html"), url("/a.html"),
                                   server_->otherSiteUrl("/b.html")};
     // A frame of another site may finish after the top document on a busy machine.
-    waitUntil(
-        [&] {
-            return std::all_of(expected.begin(), expected.end(),
-                               [&](const QString& u) { return urls.contains(u); });
-        },
-        10000, 50);
+    auto all = [&] {
+        return std::all_of(expected.begin(), expected.end(),
+                           [&](const QString& u) { return urls.contains(u); });
+    };
+    waitUntil(all, 10000, 50);
     QObject::disconnect(c);
     for (const QString& u : expected)
-        EXPECT_TRUE(urls.contains(u))
-            << u.toStdString() << " not in " << urls.join(' ').toStdString();
+        EXPECT_TRUE(urls.contains(u)) << u << " not in " << urls.join(' ');
 }
 
 TEST_F(ChromiumSession, TheBatchRunnerReadsLinksSavesThePageAndFollowsTheSelection) {
-    ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
-    const QMap<QString, QString> settings{{"frmEdit/Browser Endpoint", endpoint()}};
-    load(*ie_, url("/links.html"));
-    const test::EditorRun links =
-        test::runEditorBatch({"--apply", "GetBrowserLinks"}, "", settings);
+    load("/links.html");
+    const test::EditorRun links = batch({"--apply", "GetBrowserLinks"});
     EXPECT_EQ(links.exitCode, 0) << links.report.join('\n');
     EXPECT_EQ(links.out, "http://one.example/x\r\n\r\nhttp://files.example/a.pdf\r\n\r\n");
     const QString saved = test::makeTempDir() + "/links.html";
-    const test::EditorRun save =
-        test::runEditorBatch({"--apply", "SaveWebPage", "--answer", saved}, "", settings);
+    const test::EditorRun save = batch({"--apply", "SaveWebPage", "--answer", saved});
     EXPECT_EQ(save.exitCode, 0) << save.report.join('\n');
     EXPECT_TRUE(test::readFile(saved).contains("<a href=\"http://one.example/x\">one</a>"));
 
-    load(*ie_, url("/select.html"));
-    const test::EditorRun go =
-        test::runEditorBatch({"--apply", "NavigateToSel"}, "untouched\n", settings);
+    load("/select.html");
+    const test::EditorRun go = batch({"--apply", "NavigateToSel"}, "untouched\n");
     EXPECT_EQ(go.exitCode, 0) << go.report.join('\n');
     EXPECT_EQ(go.out, "untouched\n");
     EXPECT_TRUE(shows(browser_->endpoint(), url("/plain.html")));
@@ -197,63 +229,60 @@ TEST_F(ChromiumSession, TheWindowWalksASiteListOnItsOwnTimer) {
     EXPECT_EQ(window.context().siteList->mlSiteIndex, 0);
 }
 
-TEST_F(ChromiumSession, TheWebMenuSendsTheBrowserAndSavesItsPage) {
+TEST_F(ChromiumSession, TheWebMenuSendsTheBrowserAndSavesItsPageAsAnArchive) {
     server_->serve("/search.html", "<html><body>Results</body></html>");
-    test::Harness h;
-    h.setSetting("frmEdit", "Browser Endpoint", endpoint());
-    h.setSetting("frmEdit", "Web Search Url", url("/search.html?q=%s"));
-    DevToolsBrowserPort port(AppSettings(h.settings, h.startUp.RegKeyAppName), h.log, h.clipboard,
-                             h.launcher);
-    port.browserCandidates = {};
-    test::FakeFileDialogs files;
-    h.ctx.browser = &port;
-    h.ctx.fileDialogs = &files;
-
-    h.dialogs.answers = {url("/plain.html").mid(7)}; // without "http://"
-    h.run("mnuNaviagetTo");
+    WebHarness w(endpoint());
+    w.h.setSetting("frmEdit", "Web Search Url", url("/search.html?q=%s"));
+    w.h.dialogs.answers = {url("/plain.html").mid(7)}; // without "http://"
+    w.h.run("mnuNaviagetTo");
     EXPECT_TRUE(shows(browser_->endpoint(), url("/plain.html")));
-    h.dialogs.answers = {"café & co"};
-    h.run("mnuSearchGoogle");
+    w.h.dialogs.answers = {"café & co"};
+    w.h.run("mnuSearchGoogle");
     EXPECT_TRUE(shows(browser_->endpoint(), url("/search.html?q=caf%C3%A9%20%26%20co")));
-    EXPECT_TRUE(h.launcher.started.empty() && h.launcher.opened.isEmpty());
+    EXPECT_TRUE(w.h.launcher.started.empty() && w.h.launcher.opened.isEmpty());
 
-    // The page as an archive and as HTML, proposed under its title.
-    const QString dir = test::makeTempDir();
-    struct Case {
-        QString page;
-        FileDialogResult chosen;
-        QString proposed;
-        QByteArrayList contains;
+    load("/plain.html");
+    const QString file = test::makeTempDir() + "/home.mhtml";
+    w.files.saveAnswers.push_back({file, 1});
+    w.h.run("mnuSaveWebPage");
+    ASSERT_EQ(w.files.requests.size(), 1u);
+    EXPECT_EQ(w.files.requests[0].fileName, "Home"); // proposed under the page's title
+    const QByteArray saved = test::readFile(file);
+    EXPECT_TRUE(saved.contains("Snapshot-Content-Location: " + url("/plain.html").toUtf8()));
+    EXPECT_TRUE(saved.contains("Plain page"));
+    EXPECT_EQ(w.h.window.statuses,
+              QStringList{QStringLiteral("Saved %1 (%2 bytes)").arg(file).arg(saved.size())});
+}
+
+using ChromiumHarvest = ChromiumSession;
+
+TEST_F(ChromiumHarvest, ThePageAndEveryFrameAreHarvested) {
+    load("/contacts.html"); // the top document completes once its frames have loaded
+    const test::EditorRun email = batch({"--apply", "GetBrowserEmail"});
+    EXPECT_EQ(email.exitCode, 0) << email.report.join('\n');
+    EXPECT_EQ(email.out, "first@example.com\r\nsecond@example.net\r\nSales@Example.com\r\n"
+                         "support@example.org\r\nframe@example.org\r\ndeep@example.net\r\n\r\n");
+
+    const struct {
+        const char* item;
+        std::deque<QString> answers;
+        QString inserted;
+    } cases[] = {
+        {"mnuGetPhoneNumbers",
+         {},
+         "(212) 555-0142\tNew York, NY\r\n+44 20 7946 0958\tLondon\r\n"
+         "+33 1 42 68 53 00\tParis\r\n(415) 555-2671\tSan Francisco, CA\r\n"},
+        {"mnuGetFaxNumbers", {}, "(212) 555-0199\tNew York, NY\r\n"},
+        {"mnuAnyTagContent", {"<H1>", "</h1>"}, ">Contacts\r\n"},
     };
-    const Case cases[] = {
-        {url("/plain.html"),
-         {dir + "/home.mhtml", 1},
-         "Home",
-         {"Snapshot-Content-Location: " + url("/plain.html").toUtf8(), "Plain page"}},
-        {url("/plain.html"),
-         {dir + "/home.html", 2},
-         "Home",
-         {"<html><head><title>Home</title></head><body><p>Plain page</p></body></html>"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.chosen.fileName.toStdString());
-        load(*ie_, c.page);
-        files.requests.clear();
-        files.saveAnswers.push_back(c.chosen);
-        h.window.statuses.clear();
-        h.run("mnuSaveWebPage");
-        ASSERT_EQ(files.requests.size(), 1u);
-        EXPECT_EQ(files.requests[0].fileName, c.proposed);
-        const QString& written = c.chosen.fileName;
-        const QByteArray saved = test::readFile(written);
-        for (const QByteArray& part : c.contains)
-            EXPECT_TRUE(saved.contains(part)) << saved.left(300).toStdString();
-        EXPECT_EQ(
-            h.window.statuses,
-            QStringList{QStringLiteral("Saved %1 (%2 bytes)").arg(written).arg(saved.size())});
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.item);
+        WebHarness w(endpoint());
+        w.h.dialogs.answers = c.answers;
+        w.h.run(c.item);
+        // On an empty document InsertText puts a line break after the text.
+        EXPECT_EQ(w.h.edit.text(), c.inserted + "\r\n");
     }
-    for (const auto& e : h.log.errors)
-        ADD_FAILURE() << e.location << ": " << e.detail;
 }
 
 TEST(ChromiumKilled, KillingTheBrowserEndsTheWaitAndIsLogged) {
@@ -303,6 +332,7 @@ struct SiteWalk {
         h.setSetting("frmEdit", "Browser Path", test::testChromiumPath());
         return e;
     }
+    void run(const char* item) { runMenuItem(*findMenuItem(item), ctx); }
     const Endpoint endpoint;
     const AppSettings settings;
     test::HeadlessLauncher launcher;
@@ -311,32 +341,12 @@ struct SiteWalk {
     CommandContext ctx;
 };
 
-TEST(ChromiumSiteListLaunch, WithoutABrowserTheWalkStartsOneAndNextItemUsesIt) {
-    if (!QFileInfo(test::testChromiumPath()).isExecutable())
-        GTEST_SKIP() << "no Chromium";
-    test::TestHttpServer server;
-    server.serve("/1.html", "<html><body>One</body></html>");
-    server.serve("/2.html", "<html><body>Two</body></html>");
-    test::Harness h(server.url("/1.html") + "\r\n" + server.url("/2.html") + "\r\n" +
-                    server.url("/1.html") + "\r\n");
-    SiteWalk w(h, test::makeTempDir() + "/profile");
-
-    runMenuItem(*findMenuItem("mnuNavigateSiteList"), w.ctx);
-    ASSERT_EQ(w.launcher.started.size(), 1u);
-    EXPECT_EQ(w.launcher.started[0].last(), server.url("/1.html"));
-    EXPECT_TRUE(w.launcher.started[0].contains(
-        QStringLiteral("--remote-debugging-port=%1").arg(w.endpoint.port)));
-    EXPECT_TRUE(shows(w.endpoint, server.url("/1.html")));
-
-    runMenuItem(*findMenuItem("mnuNextItem"), w.ctx);
-    EXPECT_EQ(w.launcher.started.size(), 1u) << "the running browser is used";
-    EXPECT_TRUE(shows(w.endpoint, server.url("/2.html")));
-    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
-}
+#define SKIP_WITHOUT_CHROMIUM()                                                                    \
+    if (!QFileInfo(test::testChromiumPath()).isExecutable())                                       \
+    GTEST_SKIP() << "no Chromium"
 
 TEST(ChromiumWebMenuLaunch, SearchStartsABrowserWhenNoneAnswersAndNavigateToUsesIt) {
-    if (!QFileInfo(test::testChromiumPath()).isExecutable())
-        GTEST_SKIP() << "no Chromium";
+    SKIP_WITHOUT_CHROMIUM();
     test::TestHttpServer server;
     server.serve("/find", "<html><body>Found</body></html>");
     test::Harness h;
@@ -344,13 +354,13 @@ TEST(ChromiumWebMenuLaunch, SearchStartsABrowserWhenNoneAnswersAndNavigateToUses
     h.setSetting("frmEdit", "Web Search Url", server.url("/find?q=%s"));
 
     h.dialogs.answers = {"two words"};
-    runMenuItem(*findMenuItem("mnuSearchGoogle"), w.ctx);
+    w.run("mnuSearchGoogle");
     ASSERT_EQ(w.launcher.started.size(), 1u);
     EXPECT_EQ(w.launcher.started[0].last(), server.url("/find?q=two%20words"));
     EXPECT_TRUE(shows(w.endpoint, server.url("/find?q=two%20words")));
 
     h.dialogs.answers = {server.url("/find?q=again")};
-    runMenuItem(*findMenuItem("mnuNaviagetTo"), w.ctx);
+    w.run("mnuNaviagetTo");
     EXPECT_EQ(w.launcher.started.size(), 1u) << "the running browser is used";
     EXPECT_TRUE(shows(w.endpoint, server.url("/find?q=again")));
     EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
@@ -359,34 +369,27 @@ TEST(ChromiumWebMenuLaunch, SearchStartsABrowserWhenNoneAnswersAndNavigateToUses
 // A site-list line written as a browser switch reaches the browser the walk starts as an address:
 // the switch would make the browser run a script before each page's renderer.
 TEST(ChromiumSiteListLaunch, ALineWrittenAsASwitchArrivesAsAnAddress) {
-    if (!QFileInfo(test::testChromiumPath()).isExecutable())
-        GTEST_SKIP() << "no Chromium";
+    SKIP_WITHOUT_CHROMIUM();
     const QString dir = test::makeTempDir();
     const QString script = dir + "/prefix.sh";
     const QString marker = dir + "/ran";
-    {
-        QFile f(script);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("#!/bin/sh\ntouch '" + marker.toUtf8() + "'\nexec \"$@\"\n");
-    }
-    QFile::setPermissions(script,
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    test::writeFile(script, "#!/bin/sh\ntouch '" + marker.toUtf8() + "'\nexec \"$@\"\n");
+    QFile::setPermissions(script, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     const QString line = "--renderer-cmd-prefix=" + script;
     test::Harness h(line + "\r\n--user-data-dir=" + dir + "/other\r\n");
     SiteWalk w(h, dir + "/profile");
-    const Endpoint& endpoint = w.endpoint;
 
-    runMenuItem(*findMenuItem("mnuNavigateSiteList"), w.ctx);
+    w.run("mnuNavigateSiteList");
     ASSERT_EQ(w.launcher.started.size(), 1u);
     EXPECT_EQ(w.launcher.started[0].last(), "http://" + line);
     // The browser answers and has rendered its first page (renderers are started by then).
     QString shown;
-    EXPECT_TRUE(waitUntil([&] { return !(shown = shownUrl(endpoint)).isEmpty(); }, 30000, 100));
+    EXPECT_TRUE(waitUntil([&] { return !(shown = shownUrl(w.endpoint)).isEmpty(); }, 30000, 100));
     waitUntil([] { return false; }, 2000);
     EXPECT_FALSE(QFileInfo::exists(marker))
-        << "the line became a switch; the browser shows " << shown.toStdString();
+        << "the line became a switch; the browser shows " << shown;
     EXPECT_FALSE(QFileInfo::exists(dir + "/other"));
-    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail.toStdString();
+    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
 }
 
 } // namespace

@@ -13,9 +13,10 @@ namespace {
 }
 } // namespace
 
-void FakePage::check() const {
+const FakeBrowserWindow& FakePage::window() const {
     if (w_->failEverything)
         fail(QStringLiteral("The browser closed the connection."));
+    return *w_;
 }
 
 web::BrowserHandle FakePage::handle() const {
@@ -24,7 +25,7 @@ web::BrowserHandle FakePage::handle() const {
 }
 
 void FakePage::navigate(const QString& url) {
-    check();
+    window();
     w_->navigations << url;
     w_->url = url;
     int delay = 0;
@@ -40,8 +41,7 @@ void FakePage::navigate(const QString& url) {
 }
 
 web::DocumentRef FakePage::frameDocument(int index) {
-    check();
-    if (index < 0 || index >= int(w_->frames.size()))
+    if (index < 0 || index >= int(window().frames.size()))
         fail(QStringLiteral("The page has no frame %1.").arg(index));
     if (w_->frames[size_t(index)].unreadable)
         fail(QStringLiteral("Access is denied."));
@@ -49,8 +49,7 @@ web::DocumentRef FakePage::frameDocument(int index) {
 }
 
 const FakeDocument& FakePage::document(const web::DocumentRef& ref) const {
-    check();
-    if (ref.frameId == w_->mainFrameId)
+    if (ref.frameId == window().mainFrameId)
         return w_->top;
     for (size_t i = 0; i < w_->frames.size(); ++i) {
         if (ref.frameId == QStringLiteral("frame%1").arg(i))
@@ -66,7 +65,6 @@ web::BrowserHandle FakeConnector::firstPage() {
 std::unique_ptr<web::BrowserPage> FakeConnector::attach(const web::BrowserHandle&) {
     if (!browserOpen)
         fail(QStringLiteral("Could not connect to the browser."));
-    ++window->attachCount;
     return std::make_unique<FakePage>(window);
 }
 

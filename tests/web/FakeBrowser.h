@@ -33,9 +33,7 @@ struct FakeBrowserWindow {
     bool failEverything = false; // every call throws, as with a browser that went away
     // Frames reported as loaded after each navigation, in this order, 10 ms apart.
     QStringList completeOnNavigate{QStringLiteral("main")};
-
     QStringList navigations;
-    int attachCount = 0;
     web::BrowserPage::Events events; // as set by the attached session
 };
 
@@ -49,34 +47,22 @@ public:
     bool isConnected() const override { return true; }
     QString mainFrameId() const override { return w_->mainFrameId; }
     void navigate(const QString& url) override;
-    int frameCount() override {
-        check();
-        return int(w_->frames.size());
-    }
+    int frameCount() override { return int(window().frames.size()); }
     web::DocumentRef topDocument() override { return {w_->mainFrameId}; }
     web::DocumentRef frameDocument(int index) override;
     QString documentHtml(const web::DocumentRef& d) override { return document(d).html; }
     QString documentText(const web::DocumentRef& d) override { return document(d).text; }
     QStringList documentLinks(const web::DocumentRef& d) override { return document(d).links; }
-    QString locationUrl() override {
-        check();
-        return w_->url;
-    }
-    QString locationName() override {
-        check();
-        return w_->title;
-    }
-    QString selectionText() override {
-        check();
-        return w_->selection;
-    }
+    QString locationUrl() override { return window().url; }
+    QString locationName() override { return window().title; }
+    QString selectionText() override { return window().selection; }
     QByteArray savedPage(bool archive) override {
-        check();
-        return archive ? w_->archive : w_->top.html.toUtf8();
+        return archive ? window().archive : window().top.html.toUtf8();
     }
 
 private:
-    void check() const;
+    // The window; throws when it is set to fail.
+    const FakeBrowserWindow& window() const;
     const FakeDocument& document(const web::DocumentRef& ref) const;
     std::shared_ptr<FakeBrowserWindow> w_;
 };

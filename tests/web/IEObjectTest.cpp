@@ -1,6 +1,5 @@
-// The session object's own logic over a scripted browser: where addresses go, the wait, the
-// title and tag contents, the browser program and its launch, errors logged with their
-// labels.
+// The session object's own logic over a scripted browser: the wait, the title and tag contents,
+// the browser program and its launch.
 
 #include "FakeBrowser.h"
 #include "support/Fakes.h"
@@ -14,7 +13,6 @@
 
 using namespace ed;
 using namespace ed::web;
-using ed::test::FakeDocument;
 
 namespace {
 
@@ -24,19 +22,13 @@ struct Session {
     test::FakeLauncher launcher;
     test::FakeBrowserPort port{log, clipboard, launcher};
     test::FakeBrowserWindow& window = *port.connector->window;
-    std::unique_ptr<cIEObject> ie;
 
-    explicit Session(bool attach = true) : ie(std::make_unique<cIEObject>(port.services())) {
-        if (attach) {
-            EXPECT_TRUE(ie->InitializeObject(ie->GetActiveBrowser(false)));
-        }
-    }
-    // A session that has to start its browser: none answers until the test says so.
-    BrowserServices launching(const QString& path) {
+    // Services of a session that has to start its browser: none answers until the test says so.
+    BrowserServices launching(const QString& path, int waitMs) {
         port.connector->browserOpen = false;
         BrowserServices services = port.services();
         services.browserPath = path;
-        services.profileDir = test::makeTempDir() + "/profile";
+        services.launchWaitMs = waitMs;
         return services;
     }
     QStringList labels() const {
@@ -46,42 +38,6 @@ struct Session {
         return out;
     }
 };
-
-FakeDocument doc(const QString& html, QStringList links = {}) {
-    return {html, QStringLiteral("text of ") + html, std::move(links), false};
-}
-
-TEST(IEObject, WithoutABrowserEverythingIsAQuietNoOp) {
-    Session s(false);
-    s.port.connector->browserOpen = false;
-    EXPECT_TRUE(s.ie->GetActiveBrowser(false).isEmpty());
-    EXPECT_FALSE(s.ie->InitializeObject());
-    s.ie->NavigateToUrl("example.com", true);
-    EXPECT_EQ(s.ie->GetBrowserHTML(), "");
-    EXPECT_TRUE(s.ie->GetLinksOnWebPage().isEmpty());
-    EXPECT_EQ(s.ie->Get_HtmlTag_Content("<b>", "</b>", "<b>x</b>"), QStringList{">x"});
-    EXPECT_TRUE(s.launcher.opened.isEmpty());
-    EXPECT_TRUE(s.log.errors.empty());
-    EXPECT_EQ(s.window.attachCount, 0);
-}
-
-TEST(IEObject, AddressesGoToTheBrowserOrAsOneTextToTheMailProgram) {
-    Session s;
-    s.window.completeOnNavigate = {};
-    for (const char* url : {"www.example.com", "mailto:joe@example.com", "joe@example.com",
-                            "a;b$(touch x)'q\"@example.com"})
-        s.ie->NavigateToUrl(url, false);
-    EXPECT_EQ(s.window.navigations,
-              (QStringList{"http://www.example.com", "mailto:joe@example.com"}));
-    EXPECT_EQ(s.launcher.opened,
-              (QStringList{"mailto:joe@example.com?Subject=Hello",
-                           "mailto:a;b$(touch x)'q\"@example.com?Subject=Hello"}));
-    EXPECT_TRUE(s.launcher.started.empty());
-    EXPECT_TRUE(s.log.errors.empty());
-    s.launcher.result = false;
-    s.ie->NavigateToUrl("joe@example.com", false);
-    EXPECT_EQ(s.labels(), QStringList{"cIEObject|Sub NavigateToUrl"});
-}
 
 TEST(IEObject, TheWaitEndsWithTheTopDocumentOrAtTheCap) {
     struct Case {
@@ -116,27 +72,18 @@ TEST(IEObject, TheWaitEndsWithTheTopDocumentOrAtTheCap) {
 
 TEST(IEObject, TitleAndTagContentComeFromTheHtml) {
     Session s;
-    s.window.top = doc("<head><title>Home</title></head><body><i>one</i></body>");
-    EXPECT_EQ(s.ie->GetSiteTitle(true), ">Home");
-    EXPECT_EQ(s.ie->GetSiteTitle(false), "Example");
-    EXPECT_EQ(s.ie->Get_HtmlTag_Content("<i>", "</i>", ""), QStringList{">one"});
+    cIEObject ie(s.port.services());
+    ASSERT_TRUE(ie.InitializeObject());
+    s.window.top.html = "<head><title>Home</title></head><body><i>one</i></body>";
+    EXPECT_EQ(ie.GetSiteTitle(true), ">Home");
+    EXPECT_EQ(ie.GetSiteTitle(false), "Example");
+    EXPECT_EQ(ie.Get_HtmlTag_Content("<i>", "</i>", ""), QStringList{">one"});
     EXPECT_TRUE(s.log.errors.empty());
 
-    s.window.top = doc("<b>hi</b>"); // shorter than 10 characters: no list at all
-    EXPECT_TRUE(s.ie->Get_HtmlTag_Content("<b>", "</b>", "").isEmpty());
-    EXPECT_EQ(s.ie->GetSiteTitle(true), "");
+    s.window.top.html = "<b>hi</b>"; // shorter than 10 characters: no list at all
+    EXPECT_TRUE(ie.Get_HtmlTag_Content("<b>", "</b>", "").isEmpty());
+    EXPECT_EQ(ie.GetSiteTitle(true), "");
     EXPECT_EQ(s.labels(), QStringList{"cIEObject|Function GetSiteTitle"});
-}
-
-TEST(IEObject, FailingCallsAreLoggedWithTheirLabels) {
-    Session s;
-    s.window.failEverything = true;
-    s.ie->NavigateToUrl("example.com", false);
-    EXPECT_EQ(s.ie->GetBrowserText(), "");
-    EXPECT_EQ(s.ie->CopySelection(), "");
-    EXPECT_EQ(s.labels(),
-              (QStringList{"cIEObject|Sub NavigateToUrl", "cIEObject|Function GetBrowserText",
-                           "cIEObject|Function CopySelection"}));
 }
 
 TEST(IEObject, BrowserPathIsTheSetPathThenTheSettingThenTheFirstThatExists) {
@@ -144,7 +91,7 @@ TEST(IEObject, BrowserPathIsTheSetPathThenTheSettingThenTheFirstThatExists) {
     test::writeFile(dir + "/chrome", "");
     test::writeFile(dir + "/edge", "");
     QDir().mkpath(dir + "/adir");
-    Session s(false);
+    Session s;
     BrowserServices services = s.port.services();
     services.browserCandidates = {dir + "/missing", dir + "/adir", dir + "/chrome", dir + "/edge"};
     {
@@ -161,9 +108,8 @@ TEST(IEObject, BrowserPathIsTheSetPathThenTheSettingThenTheFirstThatExists) {
 }
 
 TEST(IEObject, LaunchStartsTheBrowserWithItsOwnProfileAndWaitsForIt) {
-    Session s(false);
-    BrowserServices services = s.launching("/usr/bin/chromium");
-    services.launchWaitMs = 2000;
+    Session s;
+    const BrowserServices services = s.launching("/usr/bin/chromium", 2000);
     cIEObject ie(services);
     // The browser answers on the third look after it was started.
     int looksAfterStart = 0;
@@ -195,11 +141,9 @@ TEST(IEObject, LaunchFailuresAreLogged) {
         {"/usr/bin/chromium", true, "did not answer at 127.0.0.1:9222"},
     };
     for (const Case& c : cases) {
-        Session s(false);
+        Session s;
         s.launcher.result = c.starts;
-        BrowserServices services = s.launching(c.path);
-        services.launchWaitMs = 200;
-        EXPECT_TRUE(cIEObject(services).GetActiveBrowser(true).isEmpty());
+        EXPECT_TRUE(cIEObject(s.launching(c.path, 200)).GetActiveBrowser(true).isEmpty());
         ASSERT_EQ(s.labels(), QStringList{"cIEObject|Function GetActiveBrowser"});
         EXPECT_TRUE(s.log.errors[0].detail.contains(QString::fromUtf8(c.detail)))
             << s.log.errors[0].detail;

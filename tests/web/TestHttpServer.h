@@ -32,7 +32,12 @@ public:
     QString otherSiteUrl(const QString& path) const;
 
     void serve(const QString& path, const QByteArray& body,
-               const QByteArray& contentType = "text/html; charset=utf-8");
+               const QByteArray& contentType = "text/html; charset=utf-8") {
+        Answer a;
+        a.body = body;
+        a.contentType = contentType;
+        serve(path, a);
+    }
     void serve(const QString& path, Answer answer) { answers_.insert(path, answer); }
     int requestsFor(const QString& path) const { return requests_.value(path); }
     // Every request so far, of any path.

@@ -16,11 +16,9 @@ TEST(NavigationTarget, ProtocolTableDecides) {
         const char* sent;
     } cases[] = {
         {"www.example.com", false, "http://www.example.com"},
-        {"https://example.com", false, "https://example.com"},
         {"FTP://files.example.com/x", false, "FTP://files.example.com/x"},
         {"file:///tmp/a.html", false, "file:///tmp/a.html"},
         {"file://tmp/a.html", false, "http://file://tmp/a.html"},
-        {"mailto:joe@example.com", false, "mailto:joe@example.com"},
         {"joe@example.com", true, "mailto:joe@example.com?Subject=Hello"},
         {"example.com/users/@joe", true, "mailto:example.com/users/@joe?Subject=Hello"},
         {"", false, "http://"},
@@ -38,7 +36,6 @@ TEST(StripHtml, DropsTagsAndStrayClosingBrackets) {
         {"<p class=\"x\">Hello&nbsp;<i>you</i></p>", "Hello&nbsp;you"},
         {"open <tag never closed", "open "},
         {">>x", "x"},
-        {"", ""},
     };
     for (const auto& [in, out] : cases)
         EXPECT_EQ(stripHtml(QString::fromUtf8(in)), QString::fromUtf8(out)) << in;
@@ -51,28 +48,21 @@ TEST(IsThisEmailOrLink, ClassifiesAddresses) {
         int expected;
     } cases[] = {
         {"http://example.com/", true, WebLink},
-        {"HTTPS://example.com/a.pdf", true, WebLink},
         {"http://", true, NotALink},
         {"mailto:joe@example.com", true, EmailAddress},
-        {"MAILTO:joe.smith@mail.example.co.uk?subject=hi", true, EmailAddress},
         {"mailto:", true, NotALink},
         {"javascript:void(0)", true, NotALink},
-        {"joe@example.com", true, EmailAddress},
         {"  joe@example.com  ", false, EmailAddress},
         {"www.example.com", false, WebLink},
         {"example.com:8080/path", true, WebLink},
         {"localhost:9222", false, WebLink},
         {"http://example.com", false, NotALink},
-        {"joe@@example.com", false, NotALink},
-        {".joe@example.com", false, NotALink},
         {"joe@example.c0m", false, NotALink},
         // The top-level domain must be a real one.
         {"o'neil+news@mail.example.MUSEUM", false, EmailAddress},
-        {"joe@example.zzz", false, NotALink},
         {"mailto:joe@example.invalid", true, NotALink},
         {"shop.example.xn--p1ai/x", false, WebLink},
         {"two words.com", false, NotALink},
-        {"-bad.example.com", false, NotALink},
     };
     for (const Case& c : cases)
         EXPECT_EQ(isThisEmailOrLink(QString::fromUtf8(c.text), c.checkProtocol), c.expected)
@@ -81,7 +71,6 @@ TEST(IsThisEmailOrLink, ClassifiesAddresses) {
 
 TEST(ToCrLf, EveryLineBreakBecomesCrLf) {
     EXPECT_EQ(toCrLf("a\nb\r\nc\rd\n"), "a\r\nb\r\nc\r\nd\r\n");
-    EXPECT_EQ(toCrLf(""), "");
 }
 
 } // namespace
