@@ -136,6 +136,9 @@ private:
     bool replaceOnWorker(qsizetype offset, qsizetype length, QByteArrayView with);
     void steadyCaretOnLongLines();
     void ensureIndex() const;
+    // True when mapping a position `bytes` into the text is cheaper by counting than by building
+    // the line index; counts those bytes against the budget.
+    bool scanInstead(qsizetype bytes) const;
     long send(unsigned msg, unsigned long w = 0, long l = 0) const;
     // Runs `change` on the formats of the bytes [start, start + length) as one undoable step.
     template <class F> void changeFormats(qsizetype start, qsizetype length, F change);
@@ -152,6 +155,8 @@ private:
     quint64 changes_ = 0;
     mutable qsizetype length_ = -1; // textLength() as counted at change number lengthAt_
     mutable quint64 lengthAt_ = 0;
+    // Bytes counted to map positions since this document had no line index (see modelPosition).
+    mutable qsizetype scanned_ = 0;
 };
 
 } // namespace ed
