@@ -16,6 +16,7 @@
 #include "editor/SearchCommands.h"
 #include "editor/StatusFields.h"
 #include "editor/UndoHistory.h"
+#include "util/HugePages.h"
 #include "web/BrowserPort.h"
 #include "web/SiteList.h"
 
@@ -30,6 +31,8 @@
 #include <QTimer>
 
 #include <Qsci/qsciscintillabase.h>
+
+#include <cstring>
 
 namespace ed {
 
@@ -133,14 +136,27 @@ void EditorWindow::setModified(bool modified) {
     if (!modified) {
         recoveryTimer_->stop();
         pendingSinceMs_ = -1;
+        recoveryCopy_ = QByteArray();
     }
 }
 
 void EditorWindow::writeRecovery() {
     recoveryTimer_->stop();
     pendingSinceMs_ = -1;
-    if (modified_)
-        recovery_->write(form_.caption, edit_->utf8(), QDateTime::currentDateTime());
+    if (!modified_)
+        return;
+    // The copy of a large document goes into the buffer of the previous one once the recovery
+    // writer has let go of it: copying into fresh memory costs a page fault per page, which for
+    // 100 MB is most of a second on some machines.
+    const QByteArrayView text = edit_->utf8InPlace();
+    if (!recoveryCopy_.isDetached() || recoveryCopy_.capacity() < text.size()) {
+        recoveryCopy_ = copyBytes(text);
+    } else {
+        recoveryCopy_.resize(text.size());
+        if (!text.isEmpty())
+            std::memcpy(recoveryCopy_.data(), text.data(), size_t(text.size()));
+    }
+    recovery_->write(form_.caption, recoveryCopy_, QDateTime::currentDateTime());
 }
 
 void EditorWindow::dropRecovery() {

@@ -122,6 +122,7 @@ private:
     QAction* linkAnchor_ = nullptr;
     QPointer<QWidget> about_;
     std::unique_ptr<RecoveryStore> recovery_;
+    QByteArray recoveryCopy_; // the last text handed to recovery_, its buffer used again
     QTimer* recoveryTimer_ = nullptr;
     QLabel* modifiedLabel_ = nullptr;
     StatusFields* status_ = nullptr;
