@@ -97,7 +97,7 @@ void ScintillaEditControl::prepareView() {
 void ScintillaEditControl::modified(int position, int type, const char* text, int length) {
     if (type & Sci::SC_MOD_BEFOREDELETE) {
         if (!own_ && reporting_)
-            beforeDelete_ = bytes().sliced(position, length).toByteArray();
+            beforeDelete_ = copyRange(position, length);
         return;
     }
     if (!(type & (Sci::SC_MOD_INSERTTEXT | Sci::SC_MOD_DELETETEXT)))
@@ -113,6 +113,17 @@ void ScintillaEditControl::modified(int position, int type, const char* text, in
         emit changed(position, QByteArray(), QByteArray(text, length), true);
     } else
         emit changed(position, std::exchange(beforeDelete_, QByteArray()), QByteArray(), true);
+}
+
+QByteArray ScintillaEditControl::copyRange(qsizetype start, qsizetype length) const {
+    // Read across the view's gap where it is: a keystroke in the middle of a large document
+    // then moves nothing.
+    if (length <= 0)
+        return QByteArray();
+    QByteArray out(length, Qt::Uninitialized);
+    adviseHugePages(out.constData(), size_t(length));
+    view_->SendScintilla(Sci::SCI_GETTEXTRANGE, long(start), long(start + length), out.data());
+    return out;
 }
 
 QByteArrayView ScintillaEditControl::bytes() const {
@@ -168,7 +179,7 @@ bool ScintillaEditControl::replaceBytes(qsizetype offset, qsizetype length, QByt
         return replaceOnWorker(offset, length, with);
     QByteArray removed;
     if (reporting_)
-        removed = bytes().sliced(offset, length).toByteArray();
+        removed = copyRange(offset, length);
     own_ = true;
     send(Sci::SCI_SETTARGETRANGE, ulong(offset), long(offset + length));
     send(Sci::SCI_REPLACETARGET, ulong(with.size()),
@@ -417,7 +428,7 @@ void ScintillaEditControl::setSelLength(int length) {
 
 QString ScintillaEditControl::selText() const {
     const Selection sel = selectionBytes();
-    return fromModelUtf8(bytes().sliced(sel.start(), sel.end() - sel.start()));
+    return fromModelUtf8(copyRange(sel.start(), sel.end() - sel.start()));
 }
 
 // A plain document is held without a style byte per text byte (half the memory); the first

@@ -61,6 +61,8 @@ public:
     // The view's own bytes, valid until the next change of the document.
     QByteArrayView bytes() const;
     qsizetype byteLength() const;
+    // A copy of the bytes [start, start + length), leaving the view's buffer as it is.
+    QByteArray copyRange(qsizetype start, qsizetype length) const;
     // Replaces `length` bytes at `offset` by `with` (a whole UTF-8 text), reported by `changed`.
     // A change of megabytes in a plain document is built into a new document on a worker under
     // the busy indicator (see setBusyWork). Always true: nothing here can be cancelled.
