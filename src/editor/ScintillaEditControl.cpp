@@ -343,7 +343,12 @@ qsizetype ScintillaEditControl::byteOffset(qsizetype modelPos) const {
     const long units = send(Sci::SCI_COUNTCODEUNITS, ulong(lineStart), lineEnd);
     if (modelPos - lineUnits >= units)
         return lineEnd;
-    return send(Sci::SCI_POSITIONRELATIVECODEUNITS, ulong(lineStart), long(modelPos - lineUnits));
+    const long rel = long(modelPos - lineUnits);
+    const long at = send(Sci::SCI_POSITIONRELATIVECODEUNITS, ulong(lineStart), rel);
+    // Between the two halves of a surrogate pair the view answers 0: the character's start, as
+    // counting gives.
+    return at > 0 || rel == 0 ? at
+                              : send(Sci::SCI_POSITIONRELATIVECODEUNITS, ulong(lineStart), rel - 1);
 }
 
 qsizetype ScintillaEditControl::modelPosition(qsizetype offset) const {

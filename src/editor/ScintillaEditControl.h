@@ -71,7 +71,8 @@ public:
     void setBusyWork(BusyWork* busy) { busy_ = busy; }
     qsizetype byteOffset(qsizetype modelPos) const;
     qsizetype modelPosition(qsizetype byteOffset) const;
-    // True once positions have been mapped in this document (its line index exists).
+    // True once the view's line index exists: positions are counted from the start of the text
+    // until that has cost a few times the text, and looked up in the index after.
     bool hasIndex() const;
     void setCaretByte(qsizetype offset);
     qsizetype caretByte() const;
