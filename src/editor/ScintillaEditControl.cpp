@@ -106,10 +106,10 @@ void ScintillaEditControl::modified(int position, int type, const char* text, in
     if (own_ || !reporting_)
         return;
     if (type & Sci::SC_MOD_INSERTTEXT) {
-        if (styles_->isRich()) // typed text takes the format of the text before it
-            QMetaObject::invokeMethod(
-                this, [this, position, length] { styles_->inheritFormat(position, length); },
-                Qt::QueuedConnection);
+        // Typed text takes the format of the text before it, here, before the view paints it.
+        // (Only text changes are reported to this handler, so restyling does not come back.)
+        if (styles_->isRich())
+            styles_->inheritFormat(position, length);
         emit changed(position, QByteArray(), QByteArray(text, length), true);
     } else
         emit changed(position, std::exchange(beforeDelete_, QByteArray()), QByteArray(), true);
