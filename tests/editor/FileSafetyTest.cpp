@@ -3,10 +3,10 @@
 // another program is not overwritten blindly, and a Latin-1 file is not turned into UTF-8
 // without asking. Offscreen, over real files.
 
-#include "editor/EditorWindow.h"
-#include "editor/ScintillaEditControl.h"
-#include "editor/Recovery.h"
 #include "WindowFixture.h"
+#include "editor/EditorWindow.h"
+#include "editor/Recovery.h"
+#include "editor/ScintillaEditControl.h"
 #include "support/Fakes.h"
 
 #include <QAction>
