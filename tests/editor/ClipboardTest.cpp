@@ -1,7 +1,6 @@
 // The clipboard commands and InsertText: text, selection and clipboard afterwards.
 
 #include "editor/ClipboardCommands.h"
-#include "editor/MenuTable.h"
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -68,12 +67,6 @@ TEST(Clipboard, InsertTextGoesInAtTheCaretKeepingTheOldText) {
         EXPECT_EQ(h.form.UndoText, toModelUtf8(c.expUndoText));
         EXPECT_EQ(h.edit.selStart(), 0);
     }
-    Harness h(QStringLiteral("now"));
-    UndoInsert(h.ctx, QByteArray("kept"));
-    EXPECT_EQ(h.form.UndoText, "kept");
-    EXPECT_EQ(h.edit.assignments(), 0);
-    UndoInsert(h.ctx, QByteArray());
-    EXPECT_EQ(h.edit.text(), "kept");
 }
 
 // A control whose caret stands past the end of its text: the splice cannot be computed.
@@ -93,11 +86,6 @@ TEST(Clipboard, AnInsertThatFailsIsLoggedAndTheDocumentKept) {
     EXPECT_EQ(h.log.errors[0].module, "frmEdit");
     EXPECT_EQ(h.log.errors[0].location, "Sub InsertText");
     EXPECT_EQ(edit.assignments(), 0);
-
-    h.clipboard.setText("clip");
-    runMenuItem(*findMenuItem("mnuPaste"), ctx);
-    EXPECT_EQ(h.log.errors.back().location, "mnuPaste_Click");
-    EXPECT_EQ(edit.text(), "abc");
 }
 
 } // namespace

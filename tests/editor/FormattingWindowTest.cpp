@@ -3,7 +3,6 @@
 
 #include "WindowFixture.h"
 #include "editor/RtfReader.h"
-#include "editor/ScintillaEditControl.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // Find, Find Next and Replace, on a text buffer and once through the batch runner.
 #include "editor/LowerCaseSearch.h"
-#include "editor/SearchCommands.h"
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -83,18 +82,6 @@ TEST(FindNext, WalksMatchesWithoutWrappingThenAsksAgain) {
     cancelled.run("mnuFindNext");
     EXPECT_EQ(cancelled.form.SearchPos, 2);
     EXPECT_EQ(cancelled.settings.writes, 0);
-}
-
-// The search behind a file name given with "~text" on the command line.
-TEST(FindText, QuietSearchNeverAsksOrComplains) {
-    Harness h(QStringLiteral("hay NEEDLE hay"));
-    QString text = QStringLiteral("needle"), missing = QStringLiteral("absent");
-    FindText(h.ctx, text, nullptr, true);
-    EXPECT_EQ(h.edit.selStart(), 4);
-    EXPECT_EQ(h.edit.selLength(), 6);
-    FindText(h.ctx, missing, nullptr, true);
-    EXPECT_EQ(h.form.SearchPos, 0);
-    EXPECT_TRUE(h.dialogs.prompts.empty() && h.dialogs.messages.empty());
 }
 
 // Lower case of one character as Find compares: a character whose lower case counts other

@@ -3,12 +3,6 @@
 // differ from the bytes of the file.
 
 #include "WindowFixture.h"
-#include "editor/ScintillaEditControl.h"
-
-#include <QApplication>
-#include <QKeyEvent>
-
-#include <Qsci/qsciscintillabase.h>
 
 #include <gtest/gtest.h>
 
@@ -44,11 +38,7 @@ TEST_F(TypedSave, EveryOtherByteOfTheFileStays) {
         open(path("doc.txt"));
         window_->show();
         window_->editControl().setSelStart(0);
-        // A key press and release as the keyboard gives them.
-        for (QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent key(type, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
-            QApplication::sendEvent(window_->textWidget(), &key);
-        }
+        type("x");
         window_->editControl().replaceRange(1, 0, c.inserted);
         window_->trigger("mnuSave");
         EXPECT_TRUE(dialogs_.messages.empty());

@@ -3,21 +3,14 @@
 // the document. Offscreen, with real key events.
 
 #include "WindowFixture.h"
-#include "editor/EditorWindow.h"
 #include "editor/MenuKeys.h"
 #include "editor/MenuTable.h"
-#include "editor/ScintillaEditControl.h"
-#include "support/Fakes.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QMenuBar>
 #include <QStatusBar>
 
-#include <Qsci/qsciscintillabase.h>
 #include <gtest/gtest.h>
 
 using namespace ed;
@@ -50,7 +43,6 @@ protected:
         QApplication::sendEvent(target, &down);
         QApplication::sendEvent(target, &up);
     }
-    QString text() { return window_->editControl().text(); }
     QString field(const char* name) {
         auto* label = window_->findChild<QLabel*>(name);
         return label && label->isVisibleTo(window_.get()) ? label->text() : QString("<hidden>");

@@ -3,7 +3,6 @@
 #include "WindowFixture.h"
 #include "editor/BusyWork.h"
 #include "editor/LinkMenu.h"
-#include "editor/ScintillaEditControl.h"
 #include "editor/WindowAdapters.h"
 
 #include <QFile>
