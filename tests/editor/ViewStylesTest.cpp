@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <vector>
 
 using namespace ed;
@@ -113,9 +112,8 @@ TEST(ViewStyles, LoadThenSaveKeepsTextAndFormats) {
           {" black", fmt("Arial", 1638, false, false, false, 0x000000)}}},
         {"beyond ASCII",
          {{"café € “q” — Ω 日本語 😀👍🏽 𝄞", fmt("Noto Sans", 14)}}},
-        {"tabs and empty paragraphs", {{"\ta\tb\t\n\n\nc\n", fmt("Mono", 9)}}},
-        {"format changes at line breaks",
-         {{"one\ntwo", fmt("Arial", 12, true)}, {"\nthree", fmt("Arial", 12)}}},
+        {"tabs, empty paragraphs, format changes at line breaks",
+         {{"\ta\tb\t\n\n\nc\n", fmt("Mono", 9, true)}, {"\nthree", fmt("Arial", 12)}}},
         {"escapes",
          {{"\\par {\\b not bold} \\u233? \\'e9 }{", fmt("Ｍ{S}\\ Gothic", 12)},
           {"y", fmt("Arial", 12)}}},
@@ -143,10 +141,9 @@ TEST(ViewStyles, SamplesLoadToTheirWordsAndSaveThem) {
     }
 }
 
-TEST(ViewStyles, BadRtfChangesNothingAndLoadIsOneUndoStep) {
+TEST(ViewStyles, BadRtfChangesNothing) {
     View view;
     view.setText("before");
-    view.sci.SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
     QString error, notice = "stale";
     EXPECT_FALSE(view.styles.loadRtf("not rtf at all", &error, &notice));
     EXPECT_EQ(error, QStringLiteral("not an RTF file: it does not begin with {\\rtf"));
@@ -155,8 +152,6 @@ TEST(ViewStyles, BadRtfChangesNothingAndLoadIsOneUndoStep) {
 
     view.load("{\\rtf1 a\\line b\\par {\\b c}}");
     EXPECT_EQ(view.text(), "a\r\nb\r\nc");
-    view.sci.SendScintilla(Sci::SCI_UNDO);
-    EXPECT_EQ(view.text(), "before");
 }
 
 // Format k (of 300) has size 10 + k/2 and k + 1 characters: the 53 rarest, the smallest sizes,
@@ -234,35 +229,6 @@ TEST(ViewStyles, SnapshotPutsFormatsBackAfterAnyChange) {
     plain.styles.setSizeCycle(1, 5, {10, 20, 30});
     plain.styles.restore(unformatted);
     EXPECT_FALSE(plain.styles.isRich());
-}
-
-// Edits undone and redone by the view itself: what comes back has its formats again.
-TEST(ViewStyles, ViewUndoAndRedoBringFormatsBack) {
-    const std::function<void(View&)> edits[] = {
-        [](View& v) { v.sci.SendScintilla(Sci::SCI_DELETERANGE, 3UL, 8L); },
-        [](View& v) {
-            v.sci.SendScintilla(Sci::SCI_BEGINUNDOACTION);
-            v.sci.SendScintilla(Sci::SCI_SETTARGETRANGE, 4UL, 9L);
-            v.sci.SendScintilla(Sci::SCI_REPLACETARGET, uintptr_t(5), "HELLO");
-            v.styles.inheritFormat(4, 5);
-            v.sci.SendScintilla(Sci::SCI_ENDUNDOACTION);
-        },
-        [](View& v) { v.insert(8, "xy"); },
-    };
-    for (const auto& edit : edits) {
-        View view;
-        view.load(kRich);
-        view.sci.SendScintilla(Sci::SCI_EMPTYUNDOBUFFER);
-        const QByteArray original = view.styles.saveRtf();
-        edit(view);
-        const QByteArray edited = view.styles.saveRtf();
-        for (int round = 0; round < 2; ++round) {
-            view.sci.SendScintilla(Sci::SCI_UNDO);
-            EXPECT_EQ(view.styles.saveRtf(), original) << round;
-            view.sci.SendScintilla(Sci::SCI_REDO);
-            EXPECT_EQ(view.styles.saveRtf(), edited) << round;
-        }
-    }
 }
 
 TEST(ViewStyles, TypedTextTakesTheFormatBeforeIt) {

@@ -1,6 +1,5 @@
-// The file and name helpers the window uses, and the text codec on large documents.
+// The file and name helpers the window uses.
 #include "support/Fakes.h"
-#include "util/TextCodec.h"
 #include "util/Utility.h"
 
 #include <QDir>
@@ -94,23 +93,6 @@ TEST(FileSpecParts, SplitsFolderNameAndExtension) {
         EXPECT_EQ(p.folder, c.folder) << c.path;
         EXPECT_EQ(p.baseName, c.base) << c.path;
         EXPECT_EQ(p.extension, c.ext) << c.path;
-    }
-}
-
-// Large documents are decoded and encoded through preallocated buffers: the bytes must be what
-// the plain conversions give.
-TEST(TextCodec, LargeDocumentsConvertLikeThePlainFunctions) {
-    const QString unit = QString::fromUtf8("caf\xC3\xA9 \xF0\x9F\x98\x80 line\r\n");
-    const QString model = unit.repeated((6 << 20) / unit.size() + 1);
-    for (const TextFormat f : {TextFormat{Encoding::Utf8, LineBreak::CrLf},
-                               TextFormat{Encoding::Utf8Bom, LineBreak::Lf}}) {
-        const QByteArray bytes = encodeText(model, f);
-        ASSERT_EQ(bytes, (f.encoding == Encoding::Utf8Bom ? QByteArray("\xEF\xBB\xBF") : "") +
-                             fromModelBreaks(model, f.lineBreak).toUtf8());
-        TextFormat back;
-        ASSERT_EQ(decodeText(bytes, &back), model);
-        EXPECT_EQ(back.encoding, f.encoding);
-        EXPECT_EQ(back.lineBreak, f.lineBreak);
     }
 }
 
