@@ -12,7 +12,8 @@ using namespace ed::test;
 
 namespace {
 
-// Find... on a text: the answer typed, then what is selected and remembered.
+// Find... on a text: the answer typed, then what is selected and remembered (how case is ignored
+// is compared with lower-casing both texts below).
 TEST(Find, SelectsTheFirstMatchIgnoringCase) {
     struct Case {
         QString text, answer;
@@ -22,9 +23,6 @@ TEST(Find, SelectsTheFirstMatchIgnoringCase) {
         {"xxABCabc", "abc", 2, 3, 6},
         {"hello", "z", 0, 0, 0},
         {"a\r\nbc", "B", 3, 1, 5}, // CR LF counts two
-        // Lower case is one character for one: dotted capital I is plain i, positions unchanged.
-        {QStringLiteral("\u0130\u0130ab"), "AB", 2, 2, 5},
-        {QStringLiteral("stra\u00dfe"), "strasse", 0, 0, 0}, // sharp s is not "ss"
         // A pair of surrogates is lowered as one character (Deseret capital to small).
         {QStringLiteral("a\U00010400b"), QStringLiteral("\U00010428B"), 1, 3, 5},
     };

