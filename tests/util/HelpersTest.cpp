@@ -35,23 +35,6 @@ TEST(LastSeparator, CutsAtTheLastOccurrence) {
     EXPECT_TRUE(log.errors.empty());
 }
 
-TEST(CountChar, CountsOverlappingOccurrences) {
-    RecordingLogger log;
-    Utility u(log);
-    struct Case {
-        QString text, find;
-        bool cs;
-        int expected;
-    };
-    const std::vector<Case> cases = {
-        {"aaa", "aa", true, 2}, {"Abc abc", "abc", true, 1}, {"Abc abc", "abc", false, 2},
-        {"", "a", false, 0},    {"abc", "", true, 0},        {"a/b/c/d", "/", true, 3},
-        {"ÄäÄ", "ä", false, 3}, {"😀😀", "😀", true, 2},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(u.CountChar(c.text, c.find, c.cs), c.expected) << c.text << " / " << c.find;
-}
-
 TEST(FileHelpers, LoadFreeFileAndTheirErrors) {
     const QString dir = makeTempDir();
     writeFile(dir + "/a.txt", "abc\n");
