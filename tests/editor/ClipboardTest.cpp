@@ -69,23 +69,4 @@ TEST(Clipboard, InsertTextGoesInAtTheCaretKeepingTheOldText) {
     }
 }
 
-// A control whose caret stands past the end of its text: the splice cannot be computed.
-class CaretPastEnd : public TextBuffer {
-public:
-    using TextBuffer::TextBuffer;
-    int selStart() const override { return 100; }
-};
-
-TEST(Clipboard, AnInsertThatFailsIsLoggedAndTheDocumentKept) {
-    Harness h;
-    CaretPastEnd edit(QStringLiteral("abc"));
-    CommandContext ctx(edit, h.dialogs, h.clipboard, AppSettings(h.settings, "app"), h.log, h.clock,
-                       h.launcher, h.menu, h.util, h.form, h.window, h.startUp);
-    InsertText(ctx, QStringLiteral("T"));
-    ASSERT_EQ(h.log.errors.size(), 1u);
-    EXPECT_EQ(h.log.errors[0].module, "frmEdit");
-    EXPECT_EQ(h.log.errors[0].location, "Sub InsertText");
-    EXPECT_EQ(edit.assignments(), 0);
-}
-
 } // namespace
