@@ -1,3 +1,4 @@
+// The test doubles and harness declared in Fakes.h, and the batch program run on a scratch file.
 #include "support/Fakes.h"
 
 #include "editor/MenuTable.h"
