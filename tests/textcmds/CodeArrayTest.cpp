@@ -33,14 +33,4 @@ TEST(CodeArray, BuildsHeaderAndElements) {
     EXPECT_TRUE(out.endsWith("\r\nA(99) = \"w99\"\r\nA(100) = \"w100\"\r\n"));
 }
 
-TEST(CodeArray, OffersOnlyTheRememberedName) {
-    Harness old(QStringLiteral("selected words"));
-    old.setSetting("frmEdit", "Previous ArrayName", "Old");
-    old.select(0, 8);
-    old.run("mnuCreateCodeArrayOfWordList"); // cancelled
-    EXPECT_EQ(old.dialogs.prompts.at(0).defaultAnswer, "Old");
-    EXPECT_EQ(old.edit.assignments(), 0);
-    EXPECT_EQ(old.settings.writes, 0);
-}
-
 } // namespace

@@ -53,6 +53,7 @@ TEST(LineFilters, KeepTheRightLines) {
     }
 }
 
+// What every command that remembers its answer does, shown on the line filters.
 TEST(LineFilters, OfferADefaultRememberTheAnswerAndCancelQuietly) {
     const struct {
         const char* item;

@@ -1,5 +1,5 @@
 // Insert CR At, Insert Text At and the two truncations: where each line is cut (after characters
-// of every width and case mapping), what they ask, and answers they refuse.
+// of every width and case mapping), the marker they remember, and answers they refuse.
 #include "textcmds/Positional.h"
 #include "app/Trap.h"
 #include "support/Fakes.h"
@@ -65,19 +65,6 @@ TEST(Positional, CutsEveryLine) {
         EXPECT_EQ(h->edit.assignments(), 1);
         EXPECT_TRUE(h->log.errors.empty() && h->dialogs.messages.empty());
         EXPECT_EQ(h->setting("frmEdit", "Previous Switch At Text"), QString::fromUtf8(c.answer));
-    }
-}
-
-// The four commands share one remembered marker, and never offer the selection.
-TEST(Positional, PromptsShareTheRememberedMarker) {
-    for (const char* item : {CR, TX, LS, RS}) {
-        Harness h(QStringLiteral("x  ;  y"));
-        h.setSetting("frmEdit", "Previous Switch At Text", ";");
-        h.select(1, 4);
-        h.run(item); // cancelled
-        EXPECT_EQ(h.dialogs.prompts.at(0).defaultAnswer, ";") << item;
-        EXPECT_EQ(h.edit.assignments(), 0);
-        EXPECT_EQ(h.settings.writes, 0);
     }
 }
 

@@ -56,26 +56,6 @@ TEST(ReOrder, GivesTheText) {
     }
 }
 
-// Only Get Html Tags remembers its answer (the start tag); a cancel changes nothing.
-TEST(ReOrder, AsksAndRemembers) {
-    const auto tags = runOn("mnuGetHtmlTags", "  selected  text", {" <td> "}, 0, 10);
-    EXPECT_EQ(tags->dialogs.shown(), QStringList({"Enter the start tag.|Get Html Tags|<a>",
-                                                  "Enter the stop tag.|Get Html Tags|</a>"}));
-    EXPECT_EQ(tags->setting("frmEdit", "GetHtmlTagsStart"), " <td> ");
-    const std::pair<const char*, const char*> cancelled[] = {
-        {"mnuSwitchRearToFront", "selected"}, // the trimmed selection is offered
-        {"mnuReNumberArrayElements", "0"},
-        {"mnuTurnToStream", ","},
-        {"mnuDelimitRunningText", ","},
-    };
-    for (const auto& [item, offered] : cancelled) {
-        const auto h = runOn(item, "  selected  text", {}, 0, 10);
-        EXPECT_EQ(h->dialogs.prompts.at(0).defaultAnswer, offered) << item;
-        EXPECT_EQ(h->settings.writes, 0);
-        EXPECT_EQ(h->edit.assignments(), 0);
-    }
-}
-
 TEST(Renumber, AFirstIndexThatIsNoWholeNumberIsRefused) {
     for (const char* answer : {"1.5", "abc", "2147483648", "-2147483649", "1e3", "- 1", "0x10",
                                "99999999999999999999"}) {
