@@ -76,11 +76,9 @@ TEST(RtfReader, ReadsFormats) {
         const char* body;
         const char* runs; // "text{format}" per run, paragraphs separated by " | "
     } cases[] = {
-        {"x", "x{ 12}"},
         {"\\deff1" FONTS "x", "x{Courier New 12}"},
         {FONTS "\\f1\\fs20 x\\f0\\fs21 y\\f7 z", "x{Courier New 10}y{Times 10.5}z{ 10.5}"},
         {"{\\fonttbl\\f0\\fswiss Helvetica;\\f1 Courier;}\\f1 x", "x{Courier 12}"},
-        {"{\\fonttbl{\\f0 Times{\\*\\falt Roman};}}x", "x{Times 12}"},
         {"{\\fonttbl{\\f0\\fcharset128 \\'82\\'6c\\'82\\'72 Mincho;}}x", "x{ＭＳ Mincho 12}"},
         {"{\\i x}\\b y\\b0 z", "x{ 12 i}y{ 12 b}z{ 12}"},
         {"\\ul a\\ulnone b\\uldb c\\ul0\\ulc1 d\\ulwave e", "a{ 12 u}b{ 12}c{ 12 u}d{ 12}e{ 12 u}"},
