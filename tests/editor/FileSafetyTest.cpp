@@ -3,21 +3,13 @@
 // another program is not overwritten blindly, and a Latin-1 file is not turned into UTF-8
 // without asking. Offscreen, over real files.
 
-#include "editor/EditorWindow.h"
-#include "editor/ScintillaEditControl.h"
-#include "editor/Recovery.h"
 #include "WindowFixture.h"
-#include "support/Fakes.h"
+#include "editor/Recovery.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QDir>
 #include <QFile>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QTemporaryDir>
 
-#include <Qsci/qsciscintillabase.h>
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -35,16 +27,6 @@ protected:
     }
     ~FileSafetyTest() override { qputenv("XDG_STATE_HOME", savedState_); }
 
-    QString text() { return window_->editControl().text(); }
-    // Keys pressed in the text widget, as a person types them.
-    void type(const QString& keys) {
-        for (QChar c : keys) {
-            QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-            QKeyEvent release(QEvent::KeyRelease, 0, Qt::NoModifier, QString(c));
-            QApplication::sendEvent(window_->textWidget(), &press);
-            QApplication::sendEvent(window_->textWidget(), &release);
-        }
-    }
     bool modifiedShown() {
         auto* label = window_->findChild<QLabel*>("lblModified");
         return label && !label->isHidden() && label->text() == "Modified";

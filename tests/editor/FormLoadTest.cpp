@@ -1,14 +1,12 @@
-// The load procedure's choice of folder for a new document.
+// Where a new document goes when the window starts.
 
 #include "editor/FormLoad.h"
-#include "support/Fakes.h"
 
 #include <QSet>
 
 #include <gtest/gtest.h>
 
 using namespace ed;
-using namespace ed::test;
 
 TEST(FormLoad, NewDocumentGoesWhereTheUserCanWrite) {
     const struct {
@@ -36,12 +34,4 @@ TEST(FormLoad, NewDocumentGoesWhereTheUserCanWrite) {
         EXPECT_EQ(newDocumentFolder(c.program, writable, c.documents, "/home/u"), c.chosen)
             << c.name;
     }
-}
-
-TEST(FormLoad, NewDocumentIsNamedInTheProgramFolder) {
-    const QString folder = makeTempDir();
-    Harness h;
-    h.startUp.programFolder = folder;
-    Form_Load(h.ctx, QString());
-    EXPECT_EQ(h.form.FileName, folder + "/Text-0.Txt");
 }

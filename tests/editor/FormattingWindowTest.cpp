@@ -3,7 +3,6 @@
 
 #include "WindowFixture.h"
 #include "editor/RtfReader.h"
-#include "editor/ScintillaEditControl.h"
 
 #include <gtest/gtest.h>
 
@@ -40,8 +39,7 @@ TEST_F(FormattingWindowTest, FloatFontSurvivesSaveRtfAndReopen) {
     dialogs_.answers = {"11"};
     run("mnuFloatFont");
     ASSERT_TRUE(dialogs_.messages.empty());
-    const std::vector<std::vector<double>> expected = {
-        {9, 9, 10, 11, 10}, {10, 11, 10, 9, 9}, {}};
+    const std::vector<std::vector<double>> expected = {{9, 9, 10, 11, 10}, {10, 11, 10, 9, 9}, {}};
     EXPECT_EQ(shownSizes(), expected);
     EXPECT_EQ(edit.text(), QString::fromUtf8("Hello\r\nW\xf0\x9f\x98\x80rld\r\n"));
     EXPECT_EQ(edit.selStart(), 1);
@@ -70,24 +68,6 @@ TEST_F(FormattingWindowTest, FloatFontSurvivesSaveRtfAndReopen) {
     EXPECT_EQ(edit.selLength(), 0);
     run("mnuUndo");
     EXPECT_EQ(shownSizes(), expected);
-}
-
-TEST_F(FormattingWindowTest, FloatFontOnTheWholeOfAManyLineDocument) {
-    // Each line break takes one size.
-    QByteArray bytes;
-    for (int i = 0; i < 40; ++i)
-        bytes += "ab\r\n";
-    writeFile(path("lines.txt"), bytes);
-    open(path("lines.txt"));
-    dialogs_.answers = {"10"};
-    run("mnuFloatFont"); // nothing selected: the whole text, sizes 9, 10, 9, 10, ...
-    const std::vector<std::vector<double>> sizes = shownSizes();
-    ASSERT_EQ(sizes.size(), 41u);
-    for (size_t i = 0; i < 40; ++i) {
-        // Three sizes a line (a, b, the break): the line starts on the size after the last.
-        const double first = i % 2 == 0 ? 9 : 10;
-        EXPECT_EQ(sizes[i], (std::vector<double>{first, first == 9 ? 10.0 : 9.0})) << i;
-    }
 }
 
 } // namespace

@@ -3,13 +3,12 @@
 
 #include "editor/Recovery.h"
 #include "support/Fakes.h"
+#include "web/WaitLoop.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -40,18 +39,6 @@ std::vector<RecoveredDocument> copies(const QString& folder) {
             found.push_back(doc);
     }
     return found;
-}
-
-// Polls `done` for up to `ms`.
-template <class F> bool waitFor(int ms, F done) {
-    QElapsedTimer t;
-    t.start();
-    while (!done()) {
-        if (t.elapsed() > ms)
-            return false;
-        QThread::msleep(100);
-    }
-    return true;
 }
 
 TEST(RecoveryKill, TypedTextSurvivesSigkill) {
@@ -89,15 +76,17 @@ TEST(RecoveryKill, TypedTextSurvivesSigkill) {
     ASSERT_FALSE(window.isEmpty()) << "the Editor's window did not appear";
     xdotool(env, {"windowfocus", "--sync", window});
     xdotool(env, {"type", "--delay", "30", "hello "});
-    // Typing stopped: the copy follows within a few seconds.
-    ASSERT_TRUE(waitFor(6000, [&] {
+    // One copy, of the typed text, written by `pid` (0: any).
+    const auto oneCopy = [&](qint64 pid) {
         const auto found = copies(folder);
-        return found.size() == 1 && found[0].text == "hello base\r\n";
-    })) << "no recovery copy with the typed text";
-    first.kill(); // SIGKILL
+        return found.size() == 1 && found[0].text == "hello base\r\n" && found[0].path == doc &&
+               (pid == 0 || found[0].pid == pid);
+    };
+    // Typing stopped: the copy follows within a few seconds, and a SIGKILL leaves it.
+    ASSERT_TRUE(web::waitUntil([&] { return oneCopy(0); }, 6000, 100)) << "no recovery copy";
+    first.kill();
     first.waitForFinished();
-    ASSERT_EQ(copies(folder).size(), 1u);
-    EXPECT_EQ(copies(folder)[0].path, doc);
+    ASSERT_TRUE(oneCopy(0));
 
     QProcess second;
     second.setProcessEnvironment(env);
@@ -110,11 +99,8 @@ TEST(RecoveryKill, TypedTextSurvivesSigkill) {
     xdotool(env, {"windowfocus", "--sync", question});
     xdotool(env, {"key", "Return"}); // Yes, the default
     // The second Editor holds the text now, unsaved, and keeps its own copy of it.
-    EXPECT_TRUE(waitFor(6000, [&] {
-        const auto found = copies(folder);
-        return found.size() == 1 && found[0].pid == second.processId() &&
-               found[0].text == "hello base\r\n" && found[0].path == doc;
-    })) << "the typed text was not taken back";
+    EXPECT_TRUE(web::waitUntil([&] { return oneCopy(second.processId()); }, 6000, 100))
+        << "the typed text was not taken back";
     EXPECT_FALSE(xdotool(env, {"search", "--onlyvisible", "--name", "doc\\.txt$"}).isEmpty());
     second.kill();
     second.waitForFinished();

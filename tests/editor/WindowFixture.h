@@ -3,10 +3,15 @@
 // dialogs and a temporary folder for its files.
 
 #include "editor/EditorWindow.h"
+#include "editor/ScintillaEditControl.h"
 #include "support/Fakes.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QKeyEvent>
 #include <QTemporaryDir>
+
+#include <Qsci/qsciscintillabase.h>
 
 #include <gtest/gtest.h>
 
@@ -27,6 +32,17 @@ protected:
         window_->load();
     }
     QString path(const QString& name) const { return dir_.path() + "/" + name; }
+    QString text() const { return window_->editControl().text(); }
+    // Keys pressed and released in the text widget, as a person types them.
+    void type(const QString& keys) {
+        for (QChar c : keys) {
+            const int key = c >= u'a' && c <= u'z' ? Qt::Key_A + (c.unicode() - u'a') : 0;
+            for (QEvent::Type t : {QEvent::KeyPress, QEvent::KeyRelease}) {
+                QKeyEvent event(t, key, Qt::NoModifier, QString(c));
+                QApplication::sendEvent(window_->textWidget(), &event);
+            }
+        }
+    }
 
     QTemporaryDir dir_;
     StartUpState startUp_;

@@ -1,3 +1,4 @@
+// The test doubles and harness declared in Fakes.h, and the batch program run on a scratch file.
 #include "support/Fakes.h"
 
 #include "editor/MenuTable.h"
@@ -24,11 +25,7 @@ QStringList FakeDialogs::shown() const {
 QString FakeDialogs::inputBox(const QString& prompt, const QString& title,
                               const QString& defaultAnswer) {
     prompts.push_back({prompt, title, defaultAnswer});
-    if (answers.empty())
-        return QString();
-    QString a = answers.front();
-    answers.pop_front();
-    return a;
+    return takeNext(answers);
 }
 
 Answer FakeDialogs::messageBox(const QString& text, const QString& title, Buttons buttons,
@@ -38,20 +35,7 @@ Answer FakeDialogs::messageBox(const QString& text, const QString& title, Button
         return Answer::Ok;
     if (buttonAnswers.empty())
         return buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
-    Answer a = buttonAnswers.front();
-    buttonAnswers.pop_front();
-    return a;
-}
-
-QString MemorySettings::read(const QString& app, const QString& section, const QString& key,
-                             const QString& defaultValue) {
-    return values.value(app + u'|' + section + u'|' + key, defaultValue);
-}
-
-void MemorySettings::write(const QString& app, const QString& section, const QString& key,
-                           const QString& value) {
-    ++writes;
-    values.insert(app + u'|' + section + u'|' + key, value);
+    return takeNext(buttonAnswers);
 }
 
 namespace {

@@ -61,9 +61,14 @@ public:
     QMap<QString, QString> values; // "app|section|key" -> value
     int writes = 0;
     QString read(const QString& app, const QString& section, const QString& key,
-                 const QString& defaultValue) override;
+                 const QString& defaultValue) override {
+        return values.value(app + u'|' + section + u'|' + key, defaultValue);
+    }
     void write(const QString& app, const QString& section, const QString& key,
-               const QString& value) override;
+               const QString& value) override {
+        ++writes;
+        values.insert(app + u'|' + section + u'|' + key, value);
+    }
 };
 
 struct LoggedError {
@@ -119,6 +124,15 @@ public:
     void close() override { ++closed; }
 };
 
+// The front of a queue of scripted answers, taken off; an empty queue gives the empty answer.
+template <class T> T takeNext(std::deque<T>& queue) {
+    if (queue.empty())
+        return T();
+    T answer = std::move(queue.front());
+    queue.pop_front();
+    return answer;
+}
+
 // Open, save and folder dialogs answered from queues (empty queue = Cancel); the font dialog is
 // cancelled.
 class FakeFileDialogs : public FileDialogs {
@@ -127,26 +141,18 @@ public:
     std::deque<QString> folderAnswers;
     std::vector<FileDialogRequest> requests;
     std::vector<std::pair<QString, QString>> folderRequests; // title, initial folder
-    FileDialogResult showOpen(const FileDialogRequest& r) override { return next(r, openAnswers); }
-    FileDialogResult showSave(const FileDialogRequest& r) override { return next(r, saveAnswers); }
+    FileDialogResult showOpen(const FileDialogRequest& r) override {
+        requests.push_back(r);
+        return takeNext(openAnswers);
+    }
+    FileDialogResult showSave(const FileDialogRequest& r) override {
+        requests.push_back(r);
+        return takeNext(saveAnswers);
+    }
     FontSpec showFont(const FontSpec& f) override { return f; }
     QString showFolder(const QString& title, const QString& initialDir) override {
         folderRequests.emplace_back(title, initialDir);
-        if (folderAnswers.empty())
-            return {};
-        QString a = folderAnswers.front();
-        folderAnswers.pop_front();
-        return a;
-    }
-
-private:
-    FileDialogResult next(const FileDialogRequest& r, std::deque<FileDialogResult>& q) {
-        requests.push_back(r);
-        if (q.empty())
-            return {};
-        FileDialogResult a = q.front();
-        q.pop_front();
-        return a;
+        return takeNext(folderAnswers);
     }
 };
 

@@ -9,20 +9,14 @@ using namespace ed::test;
 namespace {
 
 TEST(CodeArray, BuildsHeaderAndElements) {
-    QString hundred;
-    for (int i = 0; i < 101; ++i)
-        hundred += QStringLiteral("w%1\r\n").arg(i);
     const struct {
         QString name, text, expected;
     } cases[] = {
         {"X", "", "Private Const XCount As Long = -1\r\nReDim X(-1)\r\nPrivate X() As String\r\n"},
-        {"Wörter", "ä😀\r\n\n\r\n",
-         "Private Const WörterCount As Long = 1\r\nReDim Wörter(1)\r\n"
-         "Private Wörter() As String\r\nWörter(0) = \"ä😀\"\r\nWörter(1) = \"\n\"\r\n"},
-        // No element for an empty line; a line of spaces is an element; quotes stay.
-        {"My Arr", "say \"hi\"\r\n\r\n  \r\n",
-         "Private Const My ArrCount As Long = 1\r\nReDim My Arr(1)\r\n"
-         "Private My Arr() As String\r\nMy Arr(0) = \"say \"hi\"\"\r\nMy Arr(1) = \"  \"\r\n"},
+        // No element for an empty line; a line of spaces or a lone LF is one; quotes stay.
+        {"My Arr", "say \"hi\"\r\n\r\n  \r\n\n",
+         "Private Const My ArrCount As Long = 2\r\nReDim My Arr(2)\r\nPrivate My Arr() As "
+         "String\r\nMy Arr(0) = \"say \"hi\"\"\r\nMy Arr(1) = \"  \"\r\nMy Arr(2) = \"\n\"\r\n"},
     };
     for (const auto& c : cases) {
         const auto h = runOn("mnuCreateCodeArrayOfWordList", c.text, {c.name});
@@ -30,20 +24,13 @@ TEST(CodeArray, BuildsHeaderAndElements) {
         EXPECT_EQ(h->setting("frmEdit", "Previous ArrayName"), c.name);
     }
     // Numbers carry into new digits.
+    QString hundred;
+    for (int i = 0; i < 101; ++i)
+        hundred += QStringLiteral("w%1\r\n").arg(i);
     const QString out = runOn("mnuCreateCodeArrayOfWordList", hundred, {"A"})->edit.text();
     EXPECT_TRUE(out.startsWith("Private Const ACount As Long = 100\r\nReDim A(100)\r\n"));
     EXPECT_TRUE(out.contains("\r\nA(9) = \"w9\"\r\nA(10) = \"w10\"\r\n"));
     EXPECT_TRUE(out.endsWith("\r\nA(99) = \"w99\"\r\nA(100) = \"w100\"\r\n"));
-}
-
-TEST(CodeArray, OffersOnlyTheRememberedName) {
-    Harness h(QStringLiteral("selected words"));
-    h.setSetting("frmEdit", "Previous ArrayName", "Old");
-    h.select(0, 8);
-    h.run("mnuCreateCodeArrayOfWordList"); // cancelled
-    EXPECT_EQ(h.dialogs.shown(), QStringList{"Enter Array name|Array name|Old"});
-    EXPECT_EQ(h.edit.assignments(), 0);
-    EXPECT_EQ(h.settings.writes, 0);
 }
 
 } // namespace

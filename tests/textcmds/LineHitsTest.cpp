@@ -1,3 +1,5 @@
+// Finding the lines that hold a text, block by block over the bytes, against a line-by-line
+// search of the lower-cased text.
 #include "textcmds/LineHits.h"
 #include "util/ModelText.h"
 
@@ -25,33 +27,6 @@ QString simpleLower(const QString& s) {
             out += QChar(char16_t(m));
     }
     return out;
-}
-
-TEST(Utf8Lowering, GivesQtsLowerCase) {
-    // One instance over texts of changing length and script: the reused buffer must never leak
-    // bytes of an earlier text into a later one.
-    const QStringList texts = {
-        QStringLiteral("HELLO World 123 and some more to pass sixteen bytes"),
-        QStringLiteral("AB"),
-        QString(),
-        QStringLiteral("ÄÖÜ straße ΣΊΣΥΦΟΣ ẞ"),
-        QStringLiteral("\u0130I\u0130 long line with dotted capitals \u0130\u0130\u0130\u0130"),
-        QStringLiteral("\u212A\u212B \U00010400\U00010401 DESERET \u023A\u023E"),
-        QStringLiteral("ABCDEFGHIJKLMNOP\u00C4\u0130QRS\r\nX\nY\rZ"),
-        QStringLiteral("@AZ[`az{\u00C0\u00DE\u00DF\u01C5\u1F88"),
-        QStringLiteral("a") + QChar(0xD800) + QStringLiteral("B"),
-    };
-    Utf8Lowering full(Utf8Lowering::Mapping::Full);
-    Utf8Lowering simple(Utf8Lowering::Mapping::Simple);
-    for (const QString& t : texts) {
-        SCOPED_TRACE(t.toStdString());
-        const QByteArray bytes = toModelUtf8(t);
-        EXPECT_EQ(full(bytes).toByteArray(), toModelUtf8(t.toLower()));
-        EXPECT_EQ(full.keptLengths(), toModelUtf8(t.toLower()).size() == bytes.size() &&
-                                          !t.contains(u'\u0130') && !t.contains(u'\u212A') &&
-                                          !t.contains(u'\u023A'));
-        EXPECT_EQ(simple(bytes).toByteArray(), toModelUtf8(simpleLower(t)));
-    }
 }
 
 // A document of many blocks: ASCII lines, lines whose lower case changes their length in bytes

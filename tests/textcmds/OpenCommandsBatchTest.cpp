@@ -1,5 +1,4 @@
 // The Convert, ReOrder and formatting commands run by the batch runner, on a file.
-#include "editor/MenuTable.h"
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +9,6 @@ using namespace ed::test;
 namespace {
 
 TEST(OpenCommandsBatch, WritesTheResult) {
-    ASSERT_FALSE(qEnvironmentVariable("EDITOR_BIN").isEmpty());
     const struct {
         QByteArray document;
         QStringList args;
@@ -53,29 +51,6 @@ TEST(OpenCommandsBatch, WritesTheResult) {
             EXPECT_TRUE(r.report.contains(QString::fromUtf8(c.reported))) << r.report.join('\n');
         }
     }
-}
-
-// Every command under Tools runs, in the window and in the batch runner; only the hidden
-// Indent Paragraphs has none.
-TEST(ToolsMenu, EveryItemHasItsCommand) {
-    const auto underTools = [](const MenuItemDecl& d) {
-        for (const MenuItemDecl* p = &d; p && p->parent; p = findMenuItem(p->parent))
-            if (QLatin1String(p->parent) == QLatin1String("mnuTools"))
-                return true;
-        return false;
-    };
-    int items = 0;
-    for (const MenuItemDecl& d : menuItems()) {
-        if (!isCommand(d) || !underTools(d) || (d.flags & kHidden))
-            continue;
-        ++items;
-        EXPECT_NE(d.handler, nullptr) << d.name;
-    }
-    EXPECT_GE(items, 40);
-    for (const char* name : {"AsciiToHex", "HexToAscii", "ShowASCII", "RemoveFormatting",
-                             "GetHtmlTags", "SwitchRearToFront", "ReNumberArrayElements",
-                             "TurnToStream", "DelimitRunningText", "FloatFont"})
-        EXPECT_TRUE(findByBatchName(name) && availableInBatch(*findByBatchName(name))) << name;
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Add Prefix and Add Suffix: trimmed answers, trimmed lines, and the remembered answer.
+// Add Prefix and Add Suffix: the answer and the lines, trimmed.
 #include "support/Fakes.h"
 
 #include <gtest/gtest.h>
@@ -25,27 +25,7 @@ TEST(AffixCommands, TransformEveryLine) {
     for (const auto& c : cases) {
         const auto h = runOn(c.item, QString::fromUtf8(c.text), {QString::fromUtf8(c.answer)});
         EXPECT_EQ(h->edit.text(), QString::fromUtf8(c.expected)) << c.item << " " << c.text;
-        EXPECT_EQ(h->edit.assignments(), 1);
     }
-}
-
-TEST(AffixCommands, OfferTheTrimmedSelectionThenTheRememberedAnswer) {
-    Harness h(QStringLiteral("  sel  rest"));
-    h.setSetting("frmEdit", "Previous Prefix", "old");
-    h.select(0, 7);
-    h.dialogs.answers.push_back(" typed ");
-    h.run("mnuAddPrefix");
-    EXPECT_EQ(h.dialogs.shown(), QStringList{"Enter text to add as Prefix.|Enter text|sel"});
-    EXPECT_EQ(h.setting("frmEdit", "Previous Prefix"), " typed "); // saved as typed
-
-    Harness blank(QStringLiteral("   x"));
-    blank.setSetting("frmEdit", "Previous Suffix", "old");
-    blank.select(0, 3);
-    blank.run("mnuAddSuffix"); // cancelled
-    EXPECT_EQ(blank.dialogs.prompts[0].defaultAnswer, "old");
-    EXPECT_EQ(blank.edit.text(), "   x");
-    EXPECT_EQ(blank.edit.assignments(), 0);
-    EXPECT_EQ(blank.settings.writes, 0);
 }
 
 } // namespace

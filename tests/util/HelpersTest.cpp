@@ -1,11 +1,8 @@
-// The file and name helpers the window uses, and the text codec of the window's files.
+// The file and name helpers the window uses.
 #include "support/Fakes.h"
-#include "util/TextCodec.h"
 #include "util/Utility.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -36,23 +33,6 @@ TEST(LastSeparator, CutsAtTheLastOccurrence) {
         EXPECT_EQ(u.InStrRevGetEnding(c.text, c.ch), c.ending) << c.text;
     }
     EXPECT_TRUE(log.errors.empty());
-}
-
-TEST(CountChar, CountsOverlappingOccurrences) {
-    RecordingLogger log;
-    Utility u(log);
-    struct Case {
-        QString text, find;
-        bool cs;
-        int expected;
-    };
-    const std::vector<Case> cases = {
-        {"aaa", "aa", true, 2}, {"Abc abc", "abc", true, 1}, {"Abc abc", "abc", false, 2},
-        {"", "a", false, 0},    {"abc", "", true, 0},        {"a/b/c/d", "/", true, 3},
-        {"ÄäÄ", "ä", false, 3}, {"😀😀", "😀", true, 2},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(u.CountChar(c.text, c.find, c.cs), c.expected) << c.text << " / " << c.find;
 }
 
 TEST(FileHelpers, LoadFreeFileAndTheirErrors) {
@@ -97,72 +77,6 @@ TEST(FileSpecParts, SplitsFolderNameAndExtension) {
         EXPECT_EQ(p.baseName, c.base) << c.path;
         EXPECT_EQ(p.extension, c.ext) << c.path;
     }
-}
-
-TEST(TextCodec, RoundTripsEveryKindOfFileByteForByte) {
-    const std::vector<QByteArray> files = {
-        "", "a\r\nb\r\n", "a\nb\n", "a\nb", "mixed\r\nand\nlone\rcr\r\n", "old\rmac\r",
-        "\xEF\xBB\xBFwith bom\r\n", "caf\xC3\xA9 \xF0\x9F\x98\x80\n", "latin \xE9\xE8\xFF\r\n",
-        QByteArray("bin\0ary\x80\x81\xFE\xFF\r\n\n\r", 15), "\xFF\xFEh\0i\0\r\0\n\0",
-        "\xFE\xFF\0h\0i\0\n", "\xC0\xAF overlong",
-        // A text that starts with U+FEFF of its own, after the byte order mark.
-        QByteArray("\xFF\xFE\xFF\xFE"
-                   "A\0",
-                   6),
-        QByteArray("\xFE\xFF\xFE\xFF\0A", 6),
-        "\xEF\xBB\xBF\xEF\xBB\xBF"
-        "A",
-        QByteArray("\xFF\xFE\xFF\xFE", 4)};
-    for (const QByteArray& bytes : files) {
-        TextFormat f;
-        const QString model = decodeText(bytes, &f);
-        EXPECT_EQ(encodeText(model, f), bytes) << bytes.toHex().constData();
-    }
-}
-
-TEST(TextCodec, ModelAlwaysHasCrLfBreaks) {
-    struct Case {
-        QByteArray bytes;
-        QString model;
-        Encoding enc;
-        LineBreak lb;
-    };
-    for (const Case& c : std::vector<Case>{
-             {"a\nb", "a\r\nb", Encoding::Utf8, LineBreak::Lf},
-             {"a\r\nb", "a\r\nb", Encoding::Utf8, LineBreak::CrLf},
-             {"a\rb", "a\r\nb", Encoding::Utf8, LineBreak::Cr},
-             {"\xE9\n", QString::fromUtf8("é\r\n"), Encoding::Latin1, LineBreak::Lf},
-         }) {
-        TextFormat f;
-        EXPECT_EQ(decodeText(c.bytes, &f), c.model);
-        EXPECT_EQ(f.encoding, c.enc);
-        EXPECT_EQ(f.lineBreak, c.lb);
-    }
-    // Text typed into a Latin-1 document that Latin-1 cannot hold is not lost.
-    EXPECT_EQ(encodeText(QString::fromUtf8("€"), {Encoding::Latin1, LineBreak::Lf}),
-              QByteArray("\xE2\x82\xAC"));
-}
-
-// Large documents are decoded and encoded through preallocated buffers: the bytes must be what
-// the plain conversions give.
-TEST(TextCodec, LargeDocumentsConvertLikeThePlainFunctions) {
-    const QString unit = QString::fromUtf8("caf\xC3\xA9 \xF0\x9F\x98\x80 line\r\n");
-    const QString model = unit.repeated((6 << 20) / unit.size() + 1);
-    for (Encoding e : {Encoding::Utf8, Encoding::Utf8Bom}) {
-        for (LineBreak lb : {LineBreak::CrLf, LineBreak::Lf}) {
-            const TextFormat f{e, lb};
-            const QByteArray bytes = encodeText(model, f);
-            ASSERT_EQ(bytes, (e == Encoding::Utf8Bom ? QByteArray("\xEF\xBB\xBF") : QByteArray()) +
-                                 fromModelBreaks(model, lb).toUtf8());
-            TextFormat back;
-            ASSERT_EQ(decodeText(bytes, &back), model);
-            EXPECT_EQ(back.encoding, e);
-            EXPECT_EQ(back.lineBreak, lb);
-        }
-    }
-    // Lone surrogates are written as Qt writes them.
-    const QString lone = QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b") + QChar(0xDC00);
-    EXPECT_EQ(encodeText(lone, {Encoding::Utf8, LineBreak::Lf}), lone.toUtf8());
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// The byte core against the UTF-16 model it replaces: the same decoding of every kind of file,
-// the same bytes written back, and positions that mean the same characters.
+// Every kind of file read and written back byte for byte, by the byte core and by the UTF-16
+// text codec alike, and positions in the byte core that mean the same characters as in UTF-16.
 
 #include "util/ModelText.h"
 #include "util/TextCodec.h"
@@ -46,7 +46,10 @@ const QByteArray kFiles[] = {
                6), // a U+FEFF after the mark
     QByteArray("\xFF\xFE"
                "odd",
-               5), // odd length: not UTF-16
+               5),                        // odd length: not UTF-16
+    QByteArray("\xFE\xFF\xFE\xFF\0A", 6), // a U+FEFF after the big-endian mark
+    "\xC0\xAF overlong",                  // not UTF-8
+    QByteArray("\xFF\xFE\xFF\xFE", 4),    // nothing but U+FEFF
 };
 
 TEST(ModelCodec, DecodesAsTheUtf16ModelAndWritesTheSameBytesBack) {
@@ -59,7 +62,10 @@ TEST(ModelCodec, DecodesAsTheUtf16ModelAndWritesTheSameBytesBack) {
         EXPECT_EQ(bytesFormat.encoding, textFormat.encoding);
         EXPECT_EQ(bytesFormat.lineBreak, textFormat.lineBreak);
         EXPECT_EQ(encodeModel(model, bytesFormat), file);
+        EXPECT_EQ(encodeText(text, textFormat), file);
     }
+    TextFormat lf;
+    EXPECT_EQ(decodeToModel("a\nb", &lf), "a\r\nb"); // the model's line break is always CR LF
 }
 
 TEST(ModelCodec, WritesWhatAFormatCannotHoldSafely) {

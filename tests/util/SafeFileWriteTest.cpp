@@ -49,67 +49,40 @@ private:
     QString path_;
 };
 
+// Saving over a symbolic link changes its target, over a hard link every name of the file, and
+// keeps the old file's mode and owner; a new file gets the usual mode. Nothing is left over.
 TEST(SafeFileWrite, KeepsLinksOwnerAndMode) {
-    struct Case {
-        const char* name;
-        std::function<void(const QString& dir)> setUp; // makes dir/f
-        std::function<void(const QString& dir)> check; // after dir/f was saved
-    };
+    const QString d = test::makeTempDir();
     const bool root = ::geteuid() == 0;
-    const std::vector<Case> cases = {
-        {"symbolic link: the target changes, the link stays",
-         [](const QString& d) {
-             writeFile(d + "/target", "old");
-             QFile::link("target", d + "/f");
-         },
-         [](const QString& d) {
-             EXPECT_TRUE(QFileInfo(d + "/f").isSymLink());
-             EXPECT_EQ(readFile(d + "/target"), "new");
-         }},
-        {"hard link: every link sees the new content",
-         [](const QString& d) {
-             writeFile(d + "/f", "old");
-             ::link(native(d + "/f").constData(), native(d + "/other").constData());
-         },
-         [](const QString& d) {
-             EXPECT_EQ(readFile(d + "/other"), "new");
-             EXPECT_EQ(statOf(d + "/f").st_ino, statOf(d + "/other").st_ino);
-         }},
-        {"mode and owner of the old file",
-         [root](const QString& d) {
-             writeFile(d + "/f", "old");
-             ::chmod(native(d + "/f").constData(), 0640);
-             if (root) {
-                 ASSERT_EQ(::chown(native(d + "/f").constData(), 65534, 65534), 0);
-             }
-         },
-         [root](const QString& d) {
-             const struct stat st = statOf(d + "/f");
-             EXPECT_EQ(st.st_mode & 07777, 0640u);
-             if (root) {
-                 EXPECT_EQ(st.st_uid, 65534u);
-                 EXPECT_EQ(st.st_gid, 65534u);
-             }
-         }},
-        {"a new file gets the usual mode", [](const QString&) {},
-         [](const QString& d) {
-             const mode_t mask = ::umask(022);
-             ::umask(mask);
-             EXPECT_EQ(statOf(d + "/f").st_mode & 07777, 0666u & ~mask);
-         }},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        const QString dir = test::makeTempDir();
-        c.setUp(dir);
-        QString error;
-        ASSERT_TRUE(writeFileSafely(dir + "/f", "new", error)) << error.toStdString();
-        EXPECT_EQ(readFile(dir + "/f"), "new");
-        c.check(dir);
-        // Nothing left over beside the files of the case.
-        for (const QString& name : QDir(dir).entryList(QDir::Files | QDir::Hidden))
-            EXPECT_FALSE(name.startsWith(u'.')) << name.toStdString();
+    writeFile(d + "/target", "old");
+    QFile::link("target", d + "/symlink");
+    writeFile(d + "/hard", "old");
+    ::link(native(d + "/hard").constData(), native(d + "/other").constData());
+    writeFile(d + "/owned", "old");
+    ::chmod(native(d + "/owned").constData(), 0640);
+    if (root) {
+        ASSERT_EQ(::chown(native(d + "/owned").constData(), 65534, 65534), 0);
     }
+    for (const QString name : {"symlink", "hard", "owned", "new"}) {
+        QString error;
+        ASSERT_TRUE(writeFileSafely(d + "/" + name, "new", error)) << error.toStdString();
+        EXPECT_EQ(readFile(d + "/" + name), "new");
+    }
+    EXPECT_TRUE(QFileInfo(d + "/symlink").isSymLink());
+    EXPECT_EQ(readFile(d + "/target"), "new");
+    EXPECT_EQ(readFile(d + "/other"), "new");
+    EXPECT_EQ(statOf(d + "/hard").st_ino, statOf(d + "/other").st_ino);
+    const struct stat owned = statOf(d + "/owned");
+    EXPECT_EQ(owned.st_mode & 07777, 0640u);
+    if (root) {
+        EXPECT_EQ(owned.st_uid, 65534u);
+        EXPECT_EQ(owned.st_gid, 65534u);
+    }
+    const mode_t mask = ::umask(022);
+    ::umask(mask);
+    EXPECT_EQ(statOf(d + "/new").st_mode & 07777, 0666u & ~mask);
+    EXPECT_EQ(QDir(d).entryList(QDir::Files | QDir::Hidden | QDir::System).join(' '),
+              "hard new other owned symlink target");
 }
 
 // The batch program saving `input` to `out`, as `nobody` when this test runs as root.
