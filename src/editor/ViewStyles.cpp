@@ -69,8 +69,6 @@ QString mergedNotice(qsizetype formats, qsizetype merged) {
 }
 
 constexpr qsizetype kStyleChunk = qsizetype(1) << 20;
-// How much the formats of deleted text may take, awaiting an undo.
-constexpr qsizetype kDeletionMemory = qsizetype(64) << 20;
 
 } // namespace
 
@@ -81,42 +79,7 @@ ViewStyles::ViewStyles(QsciScintillaBase* view) : QObject(view), view_(view) {
     // is (new text has style 0 until inheritFormat gives it its neighbour's).
     connect(view_, &QsciScintillaBase::SCN_STYLENEEDED, this,
             [this](int) { send(view_, Sci::SCI_STARTSTYLING, length()); });
-    connect(view_, &QsciScintillaBase::SCN_MODIFIED, this,
-            [this](int position, int type, const char*, int length) {
-                modified(position, type, length);
-            });
     setDocumentFont(documentFont_);
-}
-
-void ViewStyles::modified(int position, int type, int length) {
-    const bool byUndo = type & Sci::SC_PERFORMED_UNDO;
-    if (type & Sci::SC_MOD_BEFOREDELETE) {
-        deletions_.append(Deletion{snapshot(position, length), byUndo});
-        deletionBytes_ += deletions_.last().styles.memoryBytes();
-        while (deletionBytes_ > kDeletionMemory && deletions_.size() > 1)
-            deletionBytes_ -= deletions_.takeFirst().styles.memoryBytes();
-        return;
-    }
-    if (!(type & Sci::SC_MOD_INSERTTEXT) ||
-        !(type & (Sci::SC_PERFORMED_UNDO | Sci::SC_PERFORMED_REDO)))
-        return;
-    // An undo puts back what a user's edit or a redo deleted; a redo what an undo deleted. The
-    // newest such deletion of that place and length is the one (older ones were abandoned).
-    for (qsizetype i = deletions_.size() - 1; i >= 0; --i) {
-        const Deletion& d = deletions_[i];
-        if (d.byUndo != !byUndo || d.styles.start != position || d.styles.length != length)
-            continue;
-        const StyleSnapshot back = deletions_.takeAt(i).styles;
-        deletionBytes_ -= back.memoryBytes();
-        if (back.rich || rich_)
-            restore(back);
-        return;
-    }
-}
-
-void ViewStyles::forgetDeletions() {
-    deletions_.clear();
-    deletionBytes_ = 0;
 }
 
 qsizetype ViewStyles::length() const {

@@ -93,12 +93,6 @@ public:
     StyleSnapshot snapshot(qsizetype start, qsizetype length) const;
     void restore(const StyleSnapshot& snapshot);
 
-    // Text the view's own undo or redo puts back gets the formats it had when it was deleted:
-    // every deletion the view reports (SC_MOD_BEFOREDELETE must stay in its event mask) keeps
-    // the formats of what it removes, up to a memory bound. Forget them when the view's undo
-    // history is emptied.
-    void forgetDeletions();
-
     // A status-bar text when the last format change had to show some formats as their nearest
     // (every style was taken); empty otherwise. Reading it clears it.
     QString takeNotice() { return std::exchange(notice_, QString()); }
@@ -124,21 +118,11 @@ private:
     // The format a character of style `style` has: its own, or one made of the document font.
     RtfCharFormat effectiveFormat(const FormatTable& table, int style) const;
 
-    void modified(int position, int type, int length);
-
     QsciScintillaBase* view_;
     FontSpec documentFont_;
     bool rich_ = false;
     FormatTable formats_; // by style number; none: free (and always for 0 and 32 to 39)
     QString notice_;
-    // The formats of deleted text, newest last. Text deleted by an undo comes back by a redo,
-    // any other by an undo.
-    struct Deletion {
-        StyleSnapshot styles;
-        bool byUndo = false;
-    };
-    QList<Deletion> deletions_;
-    qsizetype deletionBytes_ = 0;
 };
 
 } // namespace ed
