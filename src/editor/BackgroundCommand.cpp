@@ -5,6 +5,7 @@
 #include "app/SettingsStore.h"
 #include "app/SystemPorts.h"
 #include "app/TextBuffer.h"
+#include "app/Trap.h"
 #include "editor/BusyWork.h"
 #include "util/HugePages.h"
 #include "util/Utility.h"
@@ -13,6 +14,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <new>
 
 namespace ed {
 
@@ -22,6 +24,7 @@ namespace {
 struct Job : BusyToken {
     TextBuffer doc;
     QByteArray original;
+    bool noCopy = false; // no memory for a copy of the document: the command did not run
     SystemClock clock;
     ProcessLauncher launcher;
     SettingsStore store;
@@ -134,7 +137,14 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
     const MenuItemDecl* decl = &item;
     auto work = [job, decl, inPlace] {
         if (job->readsWindow) {
-            job->doc.setUtf8(copyBytes(inPlace));
+            try {
+                job->doc.setUtf8(copyBytes(inPlace));
+            } catch (const std::bad_alloc& e) {
+                job->noCopy = true;
+                job->readsWindow = false;
+                job->ctx->log.logError(trapModule(*decl), trapLabel(*decl), describe(e));
+                return; // the document stays as it is
+            }
             job->original = job->doc.utf8();
             job->readsWindow = false;
             if (job->cancelled)
@@ -147,6 +157,8 @@ bool BackgroundCommands::run(const MenuItemDecl& item) {
     if (!s_.busy->run(QStringLiteral("Working on \"%1\"...").arg(QString::fromUtf8(item.caption)),
                       work, job))
         return false; // the worker finishes on its own; its result is dropped
+    if (job->noCopy)
+        return true; // logged as the command's error; the document is as it was
     // The result goes to the document in one step, as the command itself would assign it.
     if (job->doc.utf8() != job->original)
         s_.edit->setUtf8(job->doc.utf8());

@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <cstring>
+#include <new>
 #include <optional>
 
 namespace ed {
@@ -218,8 +219,12 @@ bool ScintillaEditControl::replaceOnWorker(qsizetype offset, qsizetype length,
                      l.add(with, &job->cancelled, p, a, b) &&
                      l.add(doc.sliced(offset + length), &job->cancelled, p, b, 100);
         if (job->built && report) {
-            job->removed = copyBytes(doc.sliced(offset, length));
-            job->inserted = copyBytes(with);
+            try {
+                job->removed = copyBytes(doc.sliced(offset, length));
+                job->inserted = copyBytes(with);
+            } catch (const std::bad_alloc&) {
+                job->built = false; // no room for the copies either: the slow way below
+            }
         }
     };
     busy_->run(QStringLiteral("Working on the document..."), work, job, false);
