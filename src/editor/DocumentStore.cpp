@@ -115,7 +115,7 @@ DocumentFiles::LoadResult WidgetDocumentFiles::load(const QString& path, bool rt
     auto job = std::make_shared<Job>();
     job->path = path;
     const FileIdentity before = FileIdentity::of(path);
-    job->loader.emplace(widgetEdit_.view(), QFileInfo(path).size(), false);
+    job->loader.emplace(widgetEdit_.loaderView(), QFileInfo(path).size(), false);
     auto work = [job, rtf] {
         if (!readFileBytes(job->path, job->bytes, job->error))
             return;

@@ -127,6 +127,14 @@ QByteArray ScintillaEditControl::copyRange(qsizetype start, qsizetype length) co
     return out;
 }
 
+QsciScintillaBase* ScintillaEditControl::loaderView() {
+    if (!loaderView_) {
+        loaderView_ = new QsciScintillaBase(view_);
+        loaderView_->hide();
+    }
+    return loaderView_;
+}
+
 QByteArrayView ScintillaEditControl::bytes() const {
     // Moves the view's gap to the end once; later calls move nothing, so a worker may read these
     // bytes while the window's thread asks again. (A range pointer could move the gap to the start
@@ -207,7 +215,7 @@ bool ScintillaEditControl::replaceOnWorker(qsizetype offset, qsizetype length,
     auto job = std::make_shared<Job>();
     const QByteArrayView doc = bytes(); // the view's bytes stay put while the busy guard is up
     const bool styled = !(send(Sci::SCI_GETDOCUMENTOPTIONS) & Sci::SC_DOCUMENTOPTION_STYLES_NONE);
-    job->loader.emplace(view_, doc.size() - length + with.size(), styled);
+    job->loader.emplace(loaderView(), doc.size() - length + with.size(), styled);
     // The work cannot be cancelled, so `with` outlives it.
     auto work = [job, doc, offset, length, with, report = reporting_] {
         ViewLoader& l = *job->loader;

@@ -98,6 +98,10 @@ public:
     QByteArray saveRtf() const;
 
     QsciScintillaBase* view() const { return view_; }
+    // A view that is never shown, for workers to ask for new documents (ViewLoader): the shown
+    // view's own timers and painting run on the window's thread meanwhile, and a request to it
+    // from a worker now and then crashed them.
+    QsciScintillaBase* loaderView();
     ViewStyles& styles() const { return *styles_; }
 
     // HistoryTarget
@@ -147,6 +151,7 @@ private:
     template <class F> void changeFormats(qsizetype start, qsizetype length, F change);
 
     QsciScintillaBase* view_;
+    QsciScintillaBase* loaderView_ = nullptr; // a child of view_
     std::unique_ptr<ViewStyles> styles_;
     std::optional<Selection> pending_; // set here, not yet given to the view
     QByteArray beforeDelete_;          // what a deletion the view is about to make removes

@@ -32,8 +32,9 @@ public:
 
 private:
     struct Loader; // the view's loader interface
-    // Asks the view for the loader. Making a loader allocates a new document and touches nothing
-    // else of the view, so it is safe on the worker that fills it.
+    // Asks the view for the loader: a new document, made on the worker that fills it (making it
+    // clears its memory, which takes long for a large one). Give it a view that is never shown
+    // (ScintillaEditControl::loaderView): the view answering runs on the worker.
     bool make();
 
     QsciScintillaBase* view_;
