@@ -8,6 +8,7 @@
 #include <Qsci/qsciscintillabase.h>
 
 #include <QThread>
+#include <QTimer>
 
 #include <cstring>
 #include <new>
@@ -59,6 +60,8 @@ qsizetype charStart(QByteArrayView b, qsizetype i) {
 ScintillaEditControl::ScintillaEditControl(QsciScintillaBase* view)
     : QObject(view), view_(view), styles_(std::make_unique<ViewStyles>(view)) {
     prepareView();
+    // The hidden view for workers is made once the window is idle, not when a file is opened.
+    QTimer::singleShot(0, this, [this] { loaderView(); });
     // Keys the view would take for its own undo and redo, or for cutting: those are the menu's.
     for (int key : {'Z', 'Y'})
         for (int mods : {int(Sci::SCMOD_CTRL), int(Sci::SCMOD_CTRL | Sci::SCMOD_SHIFT)})
