@@ -199,45 +199,33 @@ TEST(BrowserCommands, FolderAndFileGoToTheDesktopOrSayWhyNot) {
     }
 }
 
-// Where the answer goes: to the running browser, to a browser started with it last (a switch
-// arrives as an address), or a mail address to the desktop as one text whatever it holds.
-TEST(WebMenuCommands, NavigateToAndSearchSendTheBrowserOrStartOne) {
+// With no browser answering, one is started with the address last (a switch arrives as an
+// address); a mail address goes to the desktop as one text whatever it holds.
+TEST(WebMenuCommands, NavigateToAndSearchStartABrowserOrHandMailToTheDesktop) {
     const QString hostile = "a;b$(touch x)'q\"@example.com";
     const struct {
-        QString item;
-        QString searchUrl; // "" : the default
-        QString answer;
-        bool browserOpen;
-        QString sent;   // where the running browser goes, or what a started one gets last
-        QString opened; // what the desktop is handed
+        QString item, answer;
+        QString started; // the started browser's last argument
+        QString opened;  // what the desktop is handed
     } cases[] = {
-        {"mnuNaviagetTo", "", " example.com/x ", true, "http://example.com/x", ""},
-        {"mnuNaviagetTo", "", hostile, false, "", "mailto:" + hostile + "?Subject=Hello"},
-        {"mnuNaviagetTo", "", "--renderer-cmd-prefix=/x", false, "http://--renderer-cmd-prefix=/x",
-         ""},
-        {"mnuSearchGoogle", "https://search.example/?q=%s&also=%s", "a&b=c #1", true,
-         "https://search.example/?q=a%26b%3Dc%20%231&also=a%26b%3Dc%20%231", ""},
-        {"mnuSearchGoogle", "search.example/find?%s", "100%s", false,
-         "http://search.example/find?100%25s", ""},
+        {"mnuNaviagetTo", hostile, "", "mailto:" + hostile + "?Subject=Hello"},
+        {"mnuNaviagetTo", "--renderer-cmd-prefix=/x", "http://--renderer-cmd-prefix=/x", ""},
+        {"mnuSearchGoogle", "100%s", "http://search.example/find?100%25s", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.answer.toStdString());
         Browser b;
         b.port.program = "/opt/browser/chromium";
-        b.port.connector->browserOpen = c.browserOpen;
-        if (!c.searchUrl.isEmpty())
-            b.h.setSetting("frmEdit", "Web Search Url", c.searchUrl);
+        b.port.connector->browserOpen = false;
+        b.h.setSetting("frmEdit", "Web Search Url", "search.example/find?%s");
         b.h.dialogs.answers = {c.answer};
         b.h.run(c.item);
-        EXPECT_EQ(b.window().navigations, c.browserOpen ? listOf(c.sent) : QStringList());
         QStringList started;
         for (const auto& s : b.h.launcher.started)
             started << s.program + " " + s.arguments.last();
-        EXPECT_EQ(started, c.browserOpen || c.sent.isEmpty()
-                               ? QStringList()
-                               : QStringList{"/opt/browser/chromium " + c.sent});
+        EXPECT_EQ(started, listOf(c.started.isEmpty() ? "" : "/opt/browser/chromium " + c.started));
         EXPECT_EQ(b.h.launcher.opened, listOf(c.opened));
-        EXPECT_TRUE(b.h.log.errors.empty());
+        EXPECT_TRUE(b.window().navigations.isEmpty() && b.h.log.errors.empty());
     }
 }
 

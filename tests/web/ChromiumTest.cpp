@@ -314,14 +314,11 @@ struct SiteWalk {
     CommandContext ctx;
 };
 
-#define SKIP_WITHOUT_CHROMIUM()                                                                    \
-    if (!QFileInfo(test::testChromiumPath()).isExecutable())                                       \
-    GTEST_SKIP() << "no Chromium"
-
 // A site-list line written as a browser switch reaches the browser the walk starts as an address:
 // the switch would make the browser run a script before each page's renderer.
 TEST(ChromiumSiteListLaunch, ALineWrittenAsASwitchArrivesAsAnAddress) {
-    SKIP_WITHOUT_CHROMIUM();
+    if (!QFileInfo(test::testChromiumPath()).isExecutable())
+        GTEST_SKIP() << "no Chromium";
     const QString dir = test::makeTempDir();
     const QString script = dir + "/prefix.sh";
     const QString marker = dir + "/ran";
