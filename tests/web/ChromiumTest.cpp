@@ -1,17 +1,15 @@
 // The browser session and the browser commands against a real headless Chromium, each way the
 // program talks to it once: reading a page, every frame's load reported, harvesting addresses
 // and numbers from a page and its frames of other sites, a browser killed during a wait, the
-// batch runner, the site-list walk on the window's own timer, a walk and a search that start
-// their browser first, and the Web menu. All suites named Chromium* run in one process.
+// batch runner, a site-list walk that starts its browser first, and the Web menu. All suites named
+// Chromium* run in one process.
 
 #include "ChromiumProcess.h"
 #include "SteppedSiteTimer.h"
 #include "TestHttpServer.h"
 #include "support/Fakes.h"
 
-#include "editor/EditorWindow.h"
 #include "editor/MenuTable.h"
-#include "editor/ScintillaEditControl.h"
 #include "web/BrowserPort.h"
 #include "web/CdpConnector.h"
 #include "web/Discovery.h"
@@ -19,7 +17,6 @@
 #include "web/WaitLoop.h"
 #include "web/cIEObject.h"
 
-#include <QAction>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -109,8 +106,6 @@ protected:
                  "document.getElementById('pick')); getSelection().addRange(r);</script>"
                  "</body></html>")
                     .toUtf8());
-        for (const char* page : {"/1.html", "/2.html", "/3.html"})
-            s.serve(page, QByteArray("<html><body>Page ") + page + "</body></html>");
         // Addresses in text, in mailto: links and in a frame of another site with a frame of
         // its own; hidden text is not harvested.
         s.serve("/contacts.html",
@@ -205,28 +200,6 @@ TEST_F(ChromiumSession, TheBatchRunnerReadsLinksSavesThePageAndFollowsTheSelecti
     EXPECT_EQ(go.exitCode, 0) << go.report.join('\n');
     EXPECT_EQ(go.out, "untouched\n");
     EXPECT_TRUE(shows(browser_->endpoint(), url("/plain.html")));
-}
-
-TEST_F(ChromiumSession, TheWindowWalksASiteListOnItsOwnTimer) {
-    StartUpState startUp;
-    runStartUp(startUp, test::makeTempDir() + "/bin/Editor", {});
-    EditorWindow window(startUp);
-    test::FakeDialogs dialogs;
-    window.setDialogs(&dialogs);
-    window.load();
-    window.context().settings.save(browserSettingsSection(), browserEndpointKey(), endpoint());
-    window.editControl().setText(url("/1.html") + "\r\n" + url("/2.html") + "\r\n" +
-                                 url("/3.html") + "\r\n");
-    auto click = [&](const char* item) { window.menuState().action(item)->trigger(); };
-    auto enabled = [&](const char* item) { return window.menuState().isEnabled(item); };
-    click("mnuNavigateSiteList");
-    EXPECT_TRUE(shows(browser_->endpoint(), url("/1.html")));
-    dialogs.answers = {"300"};
-    click("mnuChangeTiming");
-    EXPECT_TRUE(shows(browser_->endpoint(), url("/3.html")));
-    EXPECT_TRUE(waitUntil([&] { return !enabled("mnuPause"); }, 5000));
-    EXPECT_FALSE(enabled("mnuNextItem") || enabled("mnuChangeTiming"));
-    EXPECT_EQ(window.context().siteList->mlSiteIndex, 0);
 }
 
 TEST_F(ChromiumSession, TheWebMenuSendsTheBrowserAndSavesItsPageAsAnArchive) {
@@ -341,35 +314,11 @@ struct SiteWalk {
     CommandContext ctx;
 };
 
-#define SKIP_WITHOUT_CHROMIUM()                                                                    \
-    if (!QFileInfo(test::testChromiumPath()).isExecutable())                                       \
-    GTEST_SKIP() << "no Chromium"
-
-TEST(ChromiumWebMenuLaunch, SearchStartsABrowserWhenNoneAnswersAndNavigateToUsesIt) {
-    SKIP_WITHOUT_CHROMIUM();
-    test::TestHttpServer server;
-    server.serve("/find", "<html><body>Found</body></html>");
-    test::Harness h;
-    SiteWalk w(h, test::makeTempDir() + "/profile");
-    h.setSetting("frmEdit", "Web Search Url", server.url("/find?q=%s"));
-
-    h.dialogs.answers = {"two words"};
-    w.run("mnuSearchGoogle");
-    ASSERT_EQ(w.launcher.started.size(), 1u);
-    EXPECT_EQ(w.launcher.started[0].last(), server.url("/find?q=two%20words"));
-    EXPECT_TRUE(shows(w.endpoint, server.url("/find?q=two%20words")));
-
-    h.dialogs.answers = {server.url("/find?q=again")};
-    w.run("mnuNaviagetTo");
-    EXPECT_EQ(w.launcher.started.size(), 1u) << "the running browser is used";
-    EXPECT_TRUE(shows(w.endpoint, server.url("/find?q=again")));
-    EXPECT_TRUE(h.log.errors.empty()) << h.log.errors[0].detail;
-}
-
 // A site-list line written as a browser switch reaches the browser the walk starts as an address:
 // the switch would make the browser run a script before each page's renderer.
 TEST(ChromiumSiteListLaunch, ALineWrittenAsASwitchArrivesAsAnAddress) {
-    SKIP_WITHOUT_CHROMIUM();
+    if (!QFileInfo(test::testChromiumPath()).isExecutable())
+        GTEST_SKIP() << "no Chromium";
     const QString dir = test::makeTempDir();
     const QString script = dir + "/prefix.sh";
     const QString marker = dir + "/ran";

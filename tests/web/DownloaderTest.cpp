@@ -1,21 +1,16 @@
 // The downloader and Download Files against loopback HTTP and FTP servers: hostile names kept
 // inside the folder, names taken, redirects, refused, stalled and endless responses, a full disk,
-// four files at a time, Cancel (also in the window's progress dialog), and the batch runner.
+// four files at a time, Cancel, and the batch runner.
 // Only complete files may be left behind.
 
 #include "TestHttpServer.h"
 #include "support/Fakes.h"
 
-#include "editor/EditorWindow.h"
-#include "editor/ProgressDialog.h"
-#include "editor/ScintillaEditControl.h"
 #include "web/Downloader.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
-#include <QProgressDialog>
-#include <QPushButton>
 #include <QTimer>
 
 #include <csignal>
@@ -265,11 +260,8 @@ TEST(DownloadFilesCommand, ListFolderAndSummary) {
         if (c.message.isEmpty())
             continue;
         EXPECT_EQ(h.dialogs.messages[0].text, c.message);
-        EXPECT_EQ(h.dialogs.messages[0].icon, c.failed ? Icon::Exclamation : Icon::Information);
         if (c.message.startsWith("Downloaded")) {
             EXPECT_EQ(h.setting("frmEdit", "Download Dir"), *c.folder);
-            const QString skipped = c.failed ? " 2 other lines skipped." : "";
-            EXPECT_EQ(h.window.statuses, QStringList{c.message.section(u'\n', 0, 0) + skipped});
         }
         EXPECT_TRUE(h.log.errors.empty());
     }
@@ -298,41 +290,6 @@ TEST(DownloadFilesBatch, TheFolderIsTheNextAnswerAndAFailureEndsWithStatusOne) {
         EXPECT_TRUE(run.report.join('\n').contains(reported)) << run.report.join('\n');
         EXPECT_EQ(filesIn(dir), QStringList{"_b.csv"});
     }
-}
-
-TEST(DownloadFilesWindow, CancelInTheProgressDialogEndsTheDownloads) {
-    test::TestHttpServer server;
-    server.serve("/ok.txt", file("ok"));
-    server.serve("/hang", stalled(QByteArray(1000, 'h'), 10));
-    const QString dir = test::makeTempDir();
-    StartUpState startUp;
-    runStartUp(startUp, test::makeTempDir() + "/bin/Editor", {});
-    EditorWindow window(startUp);
-    test::FakeDialogs dialogs;
-    test::FakeFileDialogs fileDialogs;
-    fileDialogs.folderAnswers.push_back(dir);
-    window.setDialogs(&dialogs);
-    window.setFileDialogs(&fileDialogs);
-    window.load();
-    const QString text = server.url("/hang") + "\r\n" + server.url("/ok.txt") + "\r\n";
-    window.editControl().setText(text);
-    QTimer presser;
-    QObject::connect(&presser, &QTimer::timeout, [&] {
-        QProgressDialog* shown = window.progress().dialog();
-        if (shown && shown->isVisible() && QFileInfo::exists(dir + "/ok.txt") &&
-            QFileInfo::exists(dir + "/hang.part"))
-            shown->findChild<QPushButton*>()->click();
-    });
-    presser.start(20);
-    window.trigger("mnuDownloadFiles");
-    presser.stop();
-    EXPECT_EQ(filesIn(dir), QStringList{"ok.txt"});
-    ASSERT_EQ(dialogs.messages.size(), 1u);
-    EXPECT_EQ(dialogs.messages[0].text,
-              "Downloaded 1 of 2 files to " + dir + ".\n" + server.url("/hang") + ": cancelled");
-    EXPECT_EQ(dialogs.messages[0].icon, Icon::Exclamation);
-    EXPECT_EQ(window.editControl().text(), text);
-    EXPECT_EQ(window.progress().dialog(), nullptr);
 }
 
 } // namespace

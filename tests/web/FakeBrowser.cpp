@@ -28,16 +28,14 @@ void FakePage::navigate(const QString& url) {
     window();
     w_->navigations << url;
     w_->url = url;
-    int delay = 0;
-    for (const QString& frameId : w_->completeOnNavigate) {
-        QTimer::singleShot(delay += 10, [weak = std::weak_ptr(w_), frameId] {
-            auto window = weak.lock();
-            if (window && window->events.documentComplete) {
-                QString url = window->url;
-                window->events.documentComplete({frameId}, url);
-            }
-        });
-    }
+    // The top document reports itself loaded once the event loop runs.
+    QTimer::singleShot(0, [weak = std::weak_ptr(w_)] {
+        auto window = weak.lock();
+        if (window && window->events.documentComplete) {
+            QString url = window->url;
+            window->events.documentComplete({window->mainFrameId}, url);
+        }
+    });
 }
 
 web::DocumentRef FakePage::frameDocument(int index) {

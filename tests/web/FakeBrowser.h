@@ -31,8 +31,6 @@ struct FakeBrowserWindow {
     QString selection;
     QByteArray archive = "MHTML archive";
     bool failEverything = false; // every call throws, as with a browser that went away
-    // Frames reported as loaded after each navigation, in this order, 10 ms apart.
-    QStringList completeOnNavigate{QStringLiteral("main")};
     QStringList navigations;
     web::BrowserPage::Events events; // as set by the attached session
 };

@@ -17,14 +17,11 @@ TEST(Launcher, ArgumentsReachTheProgramUnchanged) {
     const QString dir = test::makeTempDir();
     const QString out = dir + "/argv.txt";
     const QString script = dir + "/show-args.sh";
-    {
-        QFile f(script);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        // One argument per line, then a marker that the script ran to its end.
-        f.write("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$0.out.tmp\"\n"
-                "echo END >> \"$0.out.tmp\"\nmv \"$0.out.tmp\" \"" +
-                out.toUtf8() + "\"\n");
-    }
+    // One argument per line, then a marker that the script ran to its end.
+    test::writeFile(script,
+                    "#!/bin/sh\nfor a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$0.out.tmp\"\n"
+                    "echo END >> \"$0.out.tmp\"\nmv \"$0.out.tmp\" \"" +
+                        out.toUtf8() + "\"\n");
     QFile::setPermissions(script,
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     const QStringList arguments{
@@ -36,9 +33,8 @@ TEST(Launcher, ArgumentsReachTheProgramUnchanged) {
     ProcessLauncher launcher;
     ASSERT_TRUE(launcher.startDetached(script, arguments));
     ASSERT_TRUE(web::waitUntil([&] { return QFileInfo::exists(out); }, 10000, 20));
-    QFile f(out);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QStringList lines = QString::fromUtf8(f.readAll()).split('\n', Qt::SkipEmptyParts);
+    const QStringList lines =
+        QString::fromUtf8(test::readFile(out)).split('\n', Qt::SkipEmptyParts);
     EXPECT_EQ(lines, arguments + QStringList{"END"});
     EXPECT_FALSE(QFileInfo::exists(dir + "/pwned"));
     EXPECT_FALSE(QFileInfo::exists(dir + "/pwned2"));

@@ -21,7 +21,6 @@ TEST(NavigationTarget, ProtocolTableDecides) {
         {"file://tmp/a.html", false, "http://file://tmp/a.html"},
         {"joe@example.com", true, "mailto:joe@example.com?Subject=Hello"},
         {"example.com/users/@joe", true, "mailto:example.com/users/@joe?Subject=Hello"},
-        {"", false, "http://"},
     };
     for (const Case& c : cases) {
         const NavigationTarget t = navigationTarget(QString::fromUtf8(c.url));
@@ -50,11 +49,9 @@ TEST(IsThisEmailOrLink, ClassifiesAddresses) {
         {"http://example.com/", true, WebLink},
         {"http://", true, NotALink},
         {"mailto:joe@example.com", true, EmailAddress},
-        {"mailto:", true, NotALink},
         {"javascript:void(0)", true, NotALink},
         {"  joe@example.com  ", false, EmailAddress},
         {"www.example.com", false, WebLink},
-        {"example.com:8080/path", true, WebLink},
         {"localhost:9222", false, WebLink},
         {"http://example.com", false, NotALink},
         {"joe@example.c0m", false, NotALink},
